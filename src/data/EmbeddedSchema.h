@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QSqlDatabase>
+#include <QString>
+
+namespace kav::data {
+
+// Creates every table, view and index of the loan database on an embedded (SQLite)
+// database, leaving what already exists. Raises KavError (Database) on failure.
+void CreateEmbeddedSchema(QSqlDatabase& db);
+
+// True when the database already holds the loan tables.
+bool HasEmbeddedSchema(QSqlDatabase& db);
+
+// The path of the T-SQL script that sets up the same schema on SQL Server, as installed
+// beside the sources (for tests and tools).
+QString SqlServerSchemaScriptPath();
+
+}  // namespace kav::data

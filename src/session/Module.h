@@ -1,0 +1,84 @@
+#pragma once
+
+// The module object: owns the session, the data environment, the message-component factory
+// and the single shared instance of each window. Windows reach each other and the session
+// through it; nothing in the module is global.
+
+#include "session/DataEnvironment.h"
+#include "session/Messages.h"
+#include "session/Session.h"
+
+#include <QObject>
+#include <QPointer>
+#include <functional>
+#include <map>
+#include <memory>
+#include <typeindex>
+
+class QDialog;
+
+namespace kav {
+
+class Module {
+public:
+    // Shows a window modally and returns its result. Tests replace it so nothing blocks.
+    using ModalRunner = std::function<int(QDialog&)>;
+
+    Module();
+    ~Module();
+    Module(const Module&) = delete;
+    Module& operator=(const Module&) = delete;
+
+    Session session;
+
+    // The data environment, created on first reference.
+    DataEnvironment& DtEn();
+    // Releases the data environment and points a fresh one at SessionConnectionString; the
+    // connection opens at the first command that needs it.
+    void OpenSessionConnection();
+
+    // Messages through the current factory.
+    void SetMessageFactory(MessageFactory factory) { messages_ = std::move(factory); }
+    const MessageFactory& messageFactory() const { return messages_; }
+    void ShowMessage(const QVariant& title, const QString& text) const;
+    qint16 AskQuestion(const QVariant& title, const QString& text) const;
+
+    // The role check: spVarekHasPermission for SessionUserID; granted only for exactly 1.
+    bool HasPermission(qint32 permission);
+    // Shows the refusal "you lack the required role" titled "خطا".
+    void ShowRoleRefusal() const;
+    static QString RoleRefusalText();
+
+    // The system working date: the Value of row 3450 of tblVarekSystemParameters, else
+    // today's Jalali date, as "yyyy/mm/dd".
+    QString SystemWorkingDate();
+
+    void SetModalRunner(ModalRunner runner) { modal_ = std::move(runner); }
+    int ShowModal(QDialog& dialog) const;
+
+    // The single shared instance of a window, created on first use with the module.
+    template <class W>
+    W& Window() {
+        auto& slot = windows_[std::type_index(typeid(W))];
+        if (!slot) slot.reset(new W(*this));
+        return static_cast<W&>(*slot);
+    }
+    template <class W>
+    bool HasWindow() const {
+        auto it = windows_.find(std::type_index(typeid(W)));
+        return it != windows_.end() && it->second;
+    }
+    // Unloads a window: the next use creates it anew.
+    template <class W>
+    void UnloadWindow() {
+        windows_.erase(std::type_index(typeid(W)));
+    }
+
+private:
+    std::unique_ptr<DataEnvironment> dtEn_;
+    MessageFactory messages_;
+    ModalRunner modal_;
+    std::map<std::type_index, std::unique_ptr<QObject>> windows_;
+};
+
+}  // namespace kav

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+namespace kav {
+
+// The session variables the entry calls fill before any window opens, and the module-wide
+// values the windows share. One set per module.
+struct Session {
+    qint16 SessionUserID = 0;
+    qint16 SessionPositionID = 0;
+    qint16 SessionEmployeeID = 0;
+    QString SessionConnectionString;
+    QString SessionTitle;
+    QString SessionSearchTitle;
+
+    // Mode of the loan editor (shared with the adjustment window).
+    qint32 LoanFormMode = 3;
+    // The id last passed to the editor's ViewPRSLoansInfo.
+    qint16 CurrentLoanID = 0;
+    // 1 while a loan or an adjustment is being edited; 2 set by the adjustment window
+    // before it opens its list; otherwise 0.
+    qint16 LoanEditStarted = 0;
+};
+
+// The modes of the loan editor and the adjustment window.
+enum LoanMode : qint32 { ModeView = 0, ModeEdit = 1, ModeNew = 2, ModeEmpty = 3 };
+
+// Permission numbers checked against the suite's role system.
+enum Permission : qint32 {
+    PermissionOpenModule = 111801,
+    PermissionNewOrDeleteLoan = 111802,
+    PermissionEditLoan = 111803,
+};
+
+}  // namespace kav

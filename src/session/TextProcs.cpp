@@ -1,0 +1,58 @@
+#include "session/TextProcs.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kav {
+
+QString SqlQuote(const QString& text) {
+    QString out;
+    out.reserve(text.size());
+    for (const QChar c : text) {
+        if (c == u'\'') out += u"''"_s;
+        else out += c;
+    }
+    return out;
+}
+
+vb::Currency DateDigits(const QString& text) {
+    QString digits = text;
+    digits.remove(u'/');
+    return vb::CCur(digits);
+}
+
+QString GroupDigits(const QVariant& value) {
+    QString text;
+    if (value.typeId() == QMetaType::Double || value.typeId() == QMetaType::Float)
+        text = vb::CStr(value.toDouble());
+    else
+        text = value.toString();
+    qsizetype n = text.size();
+    QString result;
+    while (n > 4) {
+        result = u'/' + text.mid(n - 3, 3) + result;
+        n -= 3;
+    }
+    return text.left(n) + result;
+}
+
+QVariant CellNumber(const QString& text) {
+    if (text.trimmed().isEmpty()) return QVariant::fromValue<qint16>(-1);
+    if (text == u"True") return QVariant::fromValue<qint16>(1);
+    QString digits = text;
+    digits.remove(u'/');
+    return QVariant(vb::Val(digits));
+}
+
+double AmountValue(const QString& text) {
+    QString plain = text;
+    plain.remove(u'/');
+    return vb::Val(plain);
+}
+
+vb::Currency AmountCurrency(const QString& text) {
+    QString plain = text;
+    plain.remove(u'/');
+    return vb::CCur(plain);
+}
+
+}  // namespace kav

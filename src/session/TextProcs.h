@@ -1,0 +1,35 @@
+#pragma once
+
+// The shared text and number procedures every window uses.
+
+#include "session/Vb.h"
+
+#include <QString>
+#include <QVariant>
+
+namespace kav {
+
+// Doubles every apostrophe so the text can stand between single quotes in SQL.
+QString SqlQuote(const QString& text);
+
+// A Persian date text as a number: "1402/05/12" -> 14020512 (currency, four decimals).
+// A text that is no number after removing the slashes raises the type-mismatch error.
+vb::Currency DateDigits(const QString& text);
+
+// Groups the digits of a value by threes with "/": a text of at most four characters stays
+// as it is; 12345 -> 12/345, 1234567 -> 1/234/567.
+QString GroupDigits(const QVariant& value);
+
+// A grid cell, check mark or Persian date as a comparable number. Never fails: blanks give
+// the 16-bit -1, the exact text "True" the 16-bit 1, anything else the leading number of the
+// text with every "/" removed, as a double.
+QVariant CellNumber(const QString& text);
+
+// Reads an amount as a number: the group separators are removed first, so the grouped
+// display text and the plain value text read the same. The leading number, 0 for none.
+double AmountValue(const QString& text);
+// The same as currency; a text that is not a number (after removing separators) raises the
+// type-mismatch error. An empty text is the type-mismatch error too.
+vb::Currency AmountCurrency(const QString& text);
+
+}  // namespace kav

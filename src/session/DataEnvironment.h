@@ -81,7 +81,7 @@ public:
     void Commit();
     void Rollback();
 
-    QSqlDatabase& Database();
+    QSqlDatabase Database();
     const data::SqlDialect& Dialect();
     data::DatabaseKind Kind();
 

@@ -22,6 +22,8 @@ struct Session {
     // 1 while a loan or an adjustment is being edited; 2 set by the adjustment window
     // before it opens its list; otherwise 0.
     qint16 LoanEditStarted = 0;
+    // Set by the local yes/no dialog: 6 yes, 7 no.
+    qint16 DialogAnswer = 0;
 };
 
 // The modes of the loan editor and the adjustment window.

@@ -26,9 +26,11 @@ QString GroupDigits(const QVariant& value) {
         text = vb::CStr(value.toDouble());
     else
         text = value.toString();
+    // Up to four characters stay as they are; longer texts are grouped by threes.
     qsizetype n = text.size();
+    if (n <= 4) return text;
     QString result;
-    while (n > 4) {
+    while (n > 3) {
         result = u'/' + text.mid(n - 3, 3) + result;
         n -= 3;
     }

@@ -24,7 +24,7 @@ QFont PersianFont(int pointSize) {
 void ApplyPersianStyle(QWidget* widget) {
     if (!widget) return;
     widget->setLayoutDirection(Qt::RightToLeft);
-    widget->setFont(PersianFont(widget->font().pointSize() > 0 ? 10 : 10));
+    widget->setFont(PersianFont());
 }
 
 }  // namespace kav

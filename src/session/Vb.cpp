@@ -217,8 +217,8 @@ Currency CCur(const QString& text) {
     const QString rest = frac.mid(4);
     bool ok = false;
     const qint64 w = whole.toLongLong(&ok);
-    if (!ok || w > std::numeric_limits<qint64>::max() / Scale) overflow();
-    qint64 raw = w * Scale + four.toLongLong();
+    if (!ok || w > std::numeric_limits<qint64>::max() / Currency::Scale) overflow();
+    qint64 raw = w * Currency::Scale + four.toLongLong();
     if (!rest.isEmpty()) {
         const int first = rest[0].digitValue();
         const bool tail = rest.mid(1).contains(QRegularExpression(u"[1-9]"_s));

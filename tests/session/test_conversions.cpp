@@ -1,0 +1,110 @@
+#include "session/Errors.h"
+#include "session/TextProcs.h"
+#include "session/Vb.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace kav;
+using namespace kav::vb;
+
+namespace {
+
+template <class F>
+KavError::Kind errorKind(F&& f) {
+    try {
+        f();
+    } catch (const KavError& e) {
+        return e.kind();
+    }
+    ADD_FAILURE() << "no error raised";
+    return KavError::Kind::Usage;
+}
+
+}  // namespace
+
+TEST(Conversions, ValReadsTheLeadingNumber) {
+    EXPECT_EQ(Val(u"12abc"_s), 12);
+    EXPECT_EQ(Val(u"  -3.5 rials"_s), -3.5);
+    EXPECT_EQ(Val(u"abc"_s), 0);
+    EXPECT_EQ(Val(QString()), 0);
+    EXPECT_EQ(Val(u".25"_s), 0.25);
+    EXPECT_EQ(Val(u"1 000"_s), 1000);  // blanks between digits are skipped
+    EXPECT_EQ(Val(u"1e3x"_s), 1000);
+    EXPECT_EQ(Val(u"1403/05/12"_s), 1403);
+}
+
+TEST(Conversions, WholeNumbersRoundHalfToEvenAndOverflow) {
+    EXPECT_EQ(CInt(2.5), 2);
+    EXPECT_EQ(CInt(3.5), 4);
+    EXPECT_EQ(CInt(-2.5), -2);
+    EXPECT_EQ(CInt(2.500001), 3);
+    EXPECT_EQ(CInt(32767.4), 32767);
+    EXPECT_EQ(CInt(-32768.0), -32768);
+    EXPECT_EQ(errorKind([] { CInt(32767.5); }), KavError::Kind::Overflow);
+    EXPECT_EQ(errorKind([] { CInt(-32769.0); }), KavError::Kind::Overflow);
+    EXPECT_EQ(CLng(2147483647.0), 2147483647);
+    EXPECT_EQ(errorKind([] { CLng(2147483648.0); }), KavError::Kind::Overflow);
+    EXPECT_EQ(CInt(u" 12 "_s), 12);
+    EXPECT_EQ(errorKind([] { CInt(u"12a"_s); }), KavError::Kind::TypeMismatch);
+    EXPECT_EQ(errorKind([] { CLng(QString()); }), KavError::Kind::TypeMismatch);
+}
+
+TEST(Conversions, IntGoesTowardsMinusInfinityAndStrPutsABlank) {
+    EXPECT_EQ(Int(3.99), 3);
+    EXPECT_EQ(Int(-3.01), -4);
+    EXPECT_EQ(Str(1404), u" 1404"_s);
+    EXPECT_EQ(Str(0), u" 0"_s);
+    EXPECT_EQ(Str(-5), u"-5"_s);
+    EXPECT_EQ(Str(0.5), u" .5"_s);
+    EXPECT_EQ(CStr(333333), u"333333"_s);
+    EXPECT_EQ(CStr(1234.5), u"1234.5"_s);
+}
+
+TEST(Conversions, CurrencyKeepsFourDecimalsExactly) {
+    EXPECT_EQ(CCur(u"1234567890123.4567"_s).toString(), u"1234567890123.4567"_s);
+    EXPECT_EQ(CCur(u"0.00005"_s).raw(), 0);   // half to even
+    EXPECT_EQ(CCur(u"0.00015"_s).raw(), 2);
+    EXPECT_EQ(CCur(u"-12.5"_s).toString(), u"-12.5"_s);
+    EXPECT_EQ(CCur(1.0 / 3.0).toString(), u"0.3333"_s);
+    EXPECT_EQ(errorKind([] { CCur(u"12/345"_s); }), KavError::Kind::TypeMismatch);
+    EXPECT_EQ(errorKind([] { CCur(u"abc"_s); }), KavError::Kind::TypeMismatch);
+    EXPECT_EQ(errorKind([] { CCur(1e300); }), KavError::Kind::Overflow);
+    EXPECT_LT(CCur(u"999"_s), CCur(u"1000"_s));
+    EXPECT_EQ(CCur(u"1000"_s), CCur(1000.0));
+}
+
+TEST(TextProcedures, SqlQuoteDoublesApostrophes) {
+    EXPECT_EQ(SqlQuote(u"''"_s), u"''''"_s);
+    EXPECT_EQ(SqlQuote(u"وام"_s), u"وام"_s);
+    EXPECT_EQ(SqlQuote(u"O'Neil"_s), u"O''Neil"_s);
+    EXPECT_EQ(SqlQuote(QString()), QString());
+}
+
+TEST(TextProcedures, DateDigitsAndGrouping) {
+    EXPECT_EQ(DateDigits(u"1402/05/12"_s), CCur(14020512.0));
+    EXPECT_LT(DateDigits(u"1402/05/12"_s), DateDigits(u"1402/11/01"_s));
+    EXPECT_EQ(GroupDigits(1234), u"1234"_s);
+    EXPECT_EQ(GroupDigits(12345), u"12/345"_s);
+    EXPECT_EQ(GroupDigits(1234567), u"1/234/567"_s);
+    EXPECT_EQ(GroupDigits(1000000), u"1/000/000"_s);
+    EXPECT_EQ(GroupDigits(1000000.0), u"1/000/000"_s);
+    EXPECT_EQ(GroupDigits(u"abcd"_s), u"abcd"_s);
+    EXPECT_EQ(GroupDigits(u"123456789012"_s), u"123/456/789/012"_s);
+}
+
+TEST(TextProcedures, CellNumberNeverFails) {
+    EXPECT_EQ(CellNumber(u"   "_s), QVariant::fromValue<qint16>(-1));
+    EXPECT_EQ(CellNumber(u"True"_s), QVariant::fromValue<qint16>(1));
+    EXPECT_EQ(CellNumber(u"true"_s).toDouble(), 0);
+    EXPECT_EQ(CellNumber(u"1402/05/12"_s).toDouble(), 14020512);
+    EXPECT_EQ(CellNumber(u"12/345"_s).toDouble(), 12345);
+    EXPECT_EQ(CellNumber(u"null"_s).toDouble(), 0);
+}
+
+TEST(TextProcedures, AmountsReadTheSameGroupedOrPlain) {
+    EXPECT_EQ(AmountValue(u"1/234/567"_s), 1234567);
+    EXPECT_EQ(AmountValue(u"1234567"_s), 1234567);
+    EXPECT_EQ(AmountCurrency(u"12/345/678/901"_s), CCur(u"12345678901"_s));
+    EXPECT_EQ(errorKind([] { AmountCurrency(u"x"_s); }), KavError::Kind::TypeMismatch);
+}

@@ -1,1 +1,331 @@
-// in progress
+#include "data/ConnectionString.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+#include <QSettings>
+
+#include "session/Errors.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kav::data {
+
+namespace {
+
+const QString kMsDriver18 = u"ODBC Driver 18 for SQL Server"_s;
+const QString kMsDriver17 = u"ODBC Driver 17 for SQL Server"_s;
+const QString kFreeTds = u"FreeTDS"_s;
+
+[[noreturn]] void fail(const QString& message) {
+    throw KavError(KavError::Kind::Connection, message);
+}
+
+struct Pair {
+    QString key;    // lower case, inner blanks collapsed
+    QString name;   // as written
+    QString value;  // unquoted
+};
+
+// Splits "key=value;key='va;lue';..." the way OLE DB does: keys are case-insensitive,
+// a value may be enclosed in single or double quotes (a doubled quote stands for one),
+// an ODBC value may be enclosed in braces ("}}" stands for one "}").
+QList<Pair> parse(const QString& text) {
+    QList<Pair> pairs;
+    qsizetype i = 0;
+    const qsizetype n = text.size();
+    while (i < n) {
+        while (i < n && (text[i].isSpace() || text[i] == u';')) ++i;
+        if (i >= n) break;
+        const qsizetype keyStart = i;
+        while (i < n && text[i] != u'=' && text[i] != u';') ++i;
+        const QString name = text.mid(keyStart, i - keyStart).simplified();
+        const QString key = name.toLower();
+        if (i >= n || text[i] != u'=')
+            fail(u"بخش «%1» از رشته اتصال به شکل «نام=مقدار» نيست."_s.arg(name));
+        if (key.isEmpty()) fail(u"در رشته اتصال مقداري بدون نام آمده است."_s);
+        ++i;  // '='
+        while (i < n && text[i] == u' ') ++i;
+        QString value;
+        if (i < n && (text[i] == u'\'' || text[i] == u'"' || text[i] == u'{')) {
+            const QChar open = text[i];
+            const QChar close = open == u'{' ? u'}' : open;
+            ++i;
+            bool closed = false;
+            while (i < n) {
+                if (text[i] == close) {
+                    if (i + 1 < n && text[i + 1] == close) {
+                        value += close;
+                        i += 2;
+                        continue;
+                    }
+                    ++i;
+                    closed = true;
+                    break;
+                }
+                value += text[i++];
+            }
+            if (!closed)
+                fail(u"مقدار «%1» در رشته اتصال بسته نشده است (علامت نقل قول پاياني ندارد)."_s.arg(
+                    name));
+            while (i < n && text[i] != u';') {
+                if (!text[i].isSpace())
+                    fail(
+                        u"پس از مقدار نقل‌قول‌شده «%1» در رشته اتصال نويسه اضافي آمده است."_s
+                            .arg(name));
+                ++i;
+            }
+        } else {
+            const qsizetype valueStart = i;
+            while (i < n && text[i] != u';') ++i;
+            value = text.mid(valueStart, i - valueStart).trimmed();
+        }
+        pairs.append({key, name, value});
+    }
+    return pairs;
+}
+
+QString lookup(const QList<Pair>& pairs, std::initializer_list<const char16_t*> keys) {
+    // The last occurrence wins, as in OLE DB.
+    QString found;
+    bool have = false;
+    for (const Pair& p : pairs)
+        for (const char16_t* k : keys)
+            if (p.key == QStringView(k)) {
+                found = p.value;
+                have = true;
+            }
+    return have ? found : QString();
+}
+
+bool has(const QList<Pair>& pairs, std::initializer_list<const char16_t*> keys) {
+    for (const Pair& p : pairs)
+        for (const char16_t* k : keys)
+            if (p.key == QStringView(k)) return true;
+    return false;
+}
+
+// An ODBC attribute value, braced when it holds a character that would end it.
+QString odbcValue(const QString& value) {
+    if (value.contains(u';') || value.contains(u'{') || value.contains(u'}') ||
+        value.contains(u'=') || value != value.trimmed()) {
+        QString v = value;
+        v.replace(u"}"_s, u"}}"_s);
+        return u'{' + v + u'}';
+    }
+    return value;
+}
+
+QString odbcDriverValue(const QString& driver) {
+    QString d = driver;
+    d.replace(u"}"_s, u"}}"_s);
+    return u'{' + d + u'}';
+}
+
+bool isTrue(const QString& value) {
+    const QString v = value.trimmed().toLower();
+    return v == u"sspi" || v == u"true" || v == u"yes" || v == u"1";
+}
+
+bool isSqlServerProvider(const QString& provider) {
+    // "SQLOLEDB.1", "SQLNCLI11", "MSOLEDBSQL19" ...
+    const QString p = provider.trimmed().toUpper();
+    return p.startsWith(u"SQLOLEDB") || p.startsWith(u"SQLNCLI") || p.startsWith(u"MSOLEDBSQL");
+}
+
+bool isFreeTdsDriver(const QString& driver) { return driver.contains(u"tds", Qt::CaseInsensitive); }
+
+bool isMicrosoftDriver18(const QString& driver) {
+    return driver.contains(u"ODBC Driver 18", Qt::CaseInsensitive);
+}
+
+// "." and "(local)" (with an optional instance or port) mean this machine.
+QString mapServer(const QString& dataSource, bool freeTds) {
+    QString server = dataSource.trimmed();
+    if (server.startsWith(u"tcp:", Qt::CaseInsensitive)) server = server.mid(4);
+    qsizetype cut = server.size();
+    for (QChar sep : {u'\\', u','}) {
+        const qsizetype at = server.indexOf(sep);
+        if (at >= 0 && at < cut) cut = at;
+    }
+    QString host = server.left(cut).trimmed();
+    const QString rest = server.mid(cut);
+    const QString h = host.toLower();
+    if (h == u"." || h == u"(local)" || h.isEmpty())
+        host = freeTds ? u"127.0.0.1"_s : u"localhost"_s;
+    return host + rest;
+}
+
+ConnectionTarget mapSqlServer(const QList<Pair>& pairs, const QStringList& installed,
+                              const QString& driverOverride) {
+    const QString dataSource =
+        lookup(pairs, {u"data source", u"server", u"address", u"addr", u"network address"});
+    if (dataSource.trimmed().isEmpty())
+        fail(u"رشته اتصال نام سرور پايگاه داده (Data Source) را مشخص نکرده است."_s);
+    const QString driver = ChooseSqlServerOdbcDriver(installed, driverOverride);
+    const bool freeTds = isFreeTdsDriver(driver);
+
+    QStringList parts;
+    parts << u"Driver="_s + odbcDriverValue(driver);
+    parts << u"Server="_s + odbcValue(mapServer(dataSource, freeTds));
+    const QString catalog = lookup(pairs, {u"initial catalog", u"database"});
+    if (!catalog.isEmpty()) parts << u"Database="_s + odbcValue(catalog);
+
+    const bool integrated = isTrue(lookup(pairs, {u"integrated security", u"trusted_connection"}));
+    if (integrated) {
+        parts << u"Trusted_Connection=yes"_s;
+    } else {
+        const QString user = lookup(pairs, {u"user id", u"uid", u"user"});
+        const QString password = lookup(pairs, {u"password", u"pwd"});
+        if (!user.isEmpty()) parts << u"UID="_s + odbcValue(user);
+        if (has(pairs, {u"password", u"pwd"})) parts << u"PWD="_s + odbcValue(password);
+    }
+    const QString app = lookup(pairs, {u"application name", u"app"});
+    if (!app.isEmpty() && !freeTds) parts << u"APP="_s + odbcValue(app);
+
+    if (freeTds) {
+        // FreeTDS speaks 8-bit to Qt's ODBC driver; UTF-8 keeps Persian texts intact.
+        parts << u"TDS_Version=7.4"_s << u"ClientCharset=UTF-8"_s;
+    } else {
+        const QString encrypt = lookup(pairs, {u"encrypt", u"use encryption for data"});
+        if (!encrypt.isEmpty()) parts << u"Encrypt="_s + odbcValue(encrypt);
+        const QString trust =
+            lookup(pairs, {u"trustservercertificate", u"trust server certificate"});
+        if (!trust.isEmpty())
+            parts << u"TrustServerCertificate="_s + odbcValue(trust);
+        else if (isMicrosoftDriver18(driver))
+            // Driver 18 encrypts by default; the OLE DB providers the suite used did not
+            // check the server's certificate, so neither does the module unless told to.
+            parts << u"TrustServerCertificate=yes"_s;
+    }
+    return {u"QODBC"_s, parts.join(u';'), DatabaseKind::SqlServer};
+}
+
+ConnectionTarget mapOdbc(const QList<Pair>& pairs, bool viaMsdasql) {
+    QStringList parts;
+    QString driver;
+    for (const Pair& p : pairs) {
+        if (p.key == u"provider" || p.key == u"persist security info" ||
+            p.key == u"extended properties")
+            continue;
+        if (p.key == u"driver") {
+            driver = p.value;
+            parts << u"Driver="_s + odbcDriverValue(p.value);
+        } else if (p.key == u"data source" && viaMsdasql) {
+            parts << u"DSN="_s + odbcValue(p.value);
+        } else if (p.key == u"user id") {
+            parts << u"UID="_s + odbcValue(p.value);
+        } else if (p.key == u"password") {
+            parts << u"PWD="_s + odbcValue(p.value);
+        } else if (p.key == u"initial catalog") {
+            parts << u"Database="_s + odbcValue(p.value);
+        } else {
+            // Keep the attribute under the name it was given (ODBC keys are
+            // case-insensitive too).
+            parts << p.name + u'=' + odbcValue(p.value);
+        }
+    }
+    const QString dsn = lookup(pairs, {u"dsn", u"data source"});
+    if (driver.isEmpty() && dsn.isEmpty())
+        fail(
+            u"رشته اتصال ODBC نه راه‌انداز (Driver) را نام برده است و نه منبع داده (DSN) را."_s);
+    const bool sqlite = driver.contains(u"sqlite", Qt::CaseInsensitive) ||
+                        (driver.isEmpty() && dsn.contains(u"sqlite", Qt::CaseInsensitive));
+    return {u"QODBC"_s, parts.join(u';'), sqlite ? DatabaseKind::SQLite : DatabaseKind::SqlServer};
+}
+
+ConnectionTarget mapEmbedded(const QList<Pair>& pairs) {
+    const QString file = lookup(pairs, {u"data source", u"database"});
+    if (file.trimmed().isEmpty())
+        fail(u"رشته اتصال پايگاه داده محلي فايل آن را (Data Source) مشخص نکرده است."_s);
+    return {u"QSQLITE"_s, file, DatabaseKind::SQLite};
+}
+
+// Where unixODBC keeps its driver list: ODBCSYSINI/ODBCINSTINI when set, else what
+// "odbcinst -j" reports, else /etc/odbcinst.ini.
+QString odbcinstIniPath() {
+    const QString sysIni = qEnvironmentVariable("ODBCSYSINI");
+    const QString instIni = qEnvironmentVariable("ODBCINSTINI", u"odbcinst.ini"_s);
+    if (!sysIni.isEmpty()) return QDir(sysIni).filePath(instIni);
+
+    static const QString fromTool = [] {
+        QProcess p;
+        p.start(u"odbcinst"_s, {u"-j"_s});
+        if (!p.waitForFinished(3000)) {
+            p.kill();
+            p.waitForFinished(1000);
+            return QString();
+        }
+        const QString out = QString::fromLocal8Bit(p.readAllStandardOutput());
+        for (const QString& line : out.split(u'\n')) {
+            if (line.startsWith(u"DRIVERS")) {
+                const qsizetype colon = line.indexOf(u':');
+                if (colon > 0) return line.mid(colon + 1).trimmed();
+            }
+        }
+        return QString();
+    }();
+    if (!fromTool.isEmpty()) return fromTool;
+    return u"/etc/odbcinst.ini"_s;
+}
+
+}  // namespace
+
+QString ChooseSqlServerOdbcDriver(const QStringList& installedDrivers, const QString& override) {
+    QString chosen = override.trimmed();
+    if (chosen.startsWith(u'{') && chosen.endsWith(u'}')) chosen = chosen.mid(1, chosen.size() - 2);
+    if (!chosen.isEmpty()) return chosen;
+    for (const QString& preferred : {kMsDriver18, kMsDriver17})
+        for (const QString& d : installedDrivers)
+            if (d.compare(preferred, Qt::CaseInsensitive) == 0) return d;
+    for (const QString& d : installedDrivers)
+        if (d.compare(kFreeTds, Qt::CaseInsensitive) == 0) return d;
+    return kFreeTds;
+}
+
+QStringList InstalledOdbcDrivers() {
+    const QString path = odbcinstIniPath();
+    if (!QFileInfo::exists(path)) return {};
+    QSettings ini(path, QSettings::IniFormat);
+    QStringList drivers;
+    for (const QString& group : ini.childGroups()) {
+        // [ODBC] holds unixODBC's own options, [ODBC Drivers] the Windows-style list.
+        if (group.compare(u"ODBC", Qt::CaseInsensitive) == 0 ||
+            group.compare(u"ODBC Drivers", Qt::CaseInsensitive) == 0)
+            continue;
+        drivers << group;
+    }
+    return drivers;
+}
+
+ConnectionTarget MapConnectionString(const QString& oleDb, const QStringList& installedDrivers,
+                                     const QString& driverOverride) {
+    const QString text = oleDb.trimmed();
+    if (text == u"0")
+        fail(
+            u"رشته اتصال به پايگاه داده تعيين نشده است: مقدار آن هنوز «0» است، يعني برنامه ميزبان "
+            u"OLEConnectionstring را مقدار نداده است."_s);
+    if (text.isEmpty()) fail(u"رشته اتصال به پايگاه داده خالي است."_s);
+
+    const QList<Pair> pairs = parse(text);
+    const QString provider = lookup(pairs, {u"provider"}).trimmed();
+    if (provider.isEmpty()) {
+        if (has(pairs, {u"driver", u"dsn"})) return mapOdbc(pairs, false);
+        fail(
+            u"رشته اتصال فراهم‌کننده (Provider) يا راه‌انداز ODBC (Driver) را مشخص نکرده است."_s);
+    }
+    if (isSqlServerProvider(provider)) return mapSqlServer(pairs, installedDrivers, driverOverride);
+    if (provider.compare(u"SQLite", Qt::CaseInsensitive) == 0) return mapEmbedded(pairs);
+    if (provider.toUpper().startsWith(u"MSDASQL")) return mapOdbc(pairs, true);
+    fail(
+        u"فراهم‌کننده «%1» در رشته اتصال شناخته نيست؛ SQLOLEDB، SQLNCLI، MSOLEDBSQL، MSDASQL "
+        u"يا "
+        u"SQLite پذيرفته مي‌شود."_s.arg(provider));
+}
+
+ConnectionTarget MapConnectionString(const QString& oleDb) {
+    return MapConnectionString(oleDb, InstalledOdbcDrivers(),
+                               qEnvironmentVariable("KAVHRLOAN_ODBC_DRIVER"));
+}
+
+}  // namespace kav::data

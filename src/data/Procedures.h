@@ -15,7 +15,7 @@ struct ProcedureInfo {
     QStringList parameters;  // in the order the module passes them, with their "@"
 };
 
-const ProcedureInfo& HasPermissionProcedure();      // spVarekHasPermission
+const ProcedureInfo& HasPermissionProcedure();        // spVarekHasPermission
 const ProcedureInfo& LoanExceptionNewProcedure();     // spHRLoanExceptionNew
 const ProcedureInfo& LoanExceptionUpdateProcedure();  // spHRLoanExceptionUpdate
 

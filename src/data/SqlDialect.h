@@ -4,10 +4,10 @@
 // differs only where it cannot run them: DELETE needs FROM, strings join with ||, IsNull is
 // IfNull, and a date literal is written 'yyyy-MM-dd'.
 
-#include "data/ConnectionString.h"
-
 #include <QDate>
 #include <QString>
+
+#include "data/ConnectionString.h"
 
 namespace kav::data {
 

@@ -1,0 +1,379 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QRegularExpression>
+
+#include "DataTestSupport.h"
+#include "data/EmbeddedSchema.h"
+#include "data/Names.h"
+#include "data/Procedures.h"
+#include "data/SqlDialect.h"
+
+using namespace Qt::StringLiterals;
+using namespace kav::data;
+using kav::data::test::ScratchDb;
+
+namespace {
+
+const SqlDialect kLite(DatabaseKind::SQLite);
+
+// Five employees (the fifth has left), two loan types, a final loan with two members (the
+// first with three guarantors, the second with none), a temporary loan without members,
+// and one adjustment.
+void seed(ScratchDb& s) {
+    s.exec({
+        u"insert into tblEmployee (ID, Code, FirstName, SureName, WorkStatusID) values "
+        u"(1, '1001', 'علی', 'رضایی', 1), (2, '1002', 'مریم', 'احمدی', 1), "
+        u"(3, '1003', 'حسن', 'کریمی', 1), (4, '1004', 'سارا', 'نوری', 1), "
+        u"(5, '10005', 'رضا', 'موسوی', 3)"_s,
+        u"insert into tblHRLoanType (ID, Name, MaxValue) values (1, 'وام ضروری', 100000000), "
+        u"(2, 'مساعده', NULL)"_s,
+        u"insert into tblHRLoan (ID, Code, TypeID, PaymentDate, FarsiPaymentDate, BeginDate, "
+        u"FarsiBeginDate, EndDate, FarsiEndDate, LoanValue, OriginalLoanValue, MonthlyValue, "
+        u"PayBackNumber, UseRemainedValueInFirstMonth, Notes) values "
+        u"(1, 1, 1, '2024-03-20', '1403/01/01', '2024-04-19', '1403/01/31', '2025-03-20', "
+        u"'1403/12/30', 12000500, 12000500, 1000000, 12, 0, 'یادداشت'), "
+        u"(2, NULL, 2, '2024-09-22', '1403/07/01', '2024-10-21', '1403/07/30', '2025-01-19', "
+        u"'1403/10/30', 4000000, 4000000, 1000000, 4, 2, NULL)"_s,
+        u"insert into tblHRLoanDetail (LoanID, EmployeeID, SupporterEmployeeID1, "
+        u"SupporterEmployeeID2, SupporterEmployeeID3) values (1, 1, 2, 3, 4), "
+        u"(1, 2, NULL, NULL, NULL)"_s,
+        u"insert into tblHRLoanException (LoanID, EmployeeID, BeginDate, FarsiBeginDate, EndDate, "
+        u"FarsiEndDate, MonthlyDebit) values (1, 1, '2024-05-21', '1403/03/01', '2024-07-21', "
+        u"'1403/04/31', 500000)"_s,
+        u"insert into tblHRMonthlyPaiedLoan (LoanID, EmployeeID, PayMonth, PaidValue) values "
+        u"(1, 1, '1403/01', 1000000)"_s,
+        u"insert into tblHROrdinance (EmployeeID, BeginDate, EndDate, FarsiBeginDate, "
+        u"FarsiEndDate) "
+        u"values (3, '2024-03-20', '2025-03-20', '1403/01/01', '1403/12/30'), "
+        u"(4, '2020-03-20', '2021-03-20', '1399/01/01', '1399/12/30')"_s,
+        u"insert into tblVarekSystemParameters (ID, Value) values (3450, '1403/07/01')"_s,
+    });
+}
+
+// The member grid's query, written in the SQLite dialect.
+QString memberGridQuery(int loanId) {
+    QString sql =
+        u"select vw.*, e1.FirstName +' '+e1.SureName as 'Supporter1', e2.FirstName +' '+e2.SureName as 'Supporter2', e3.FirstName +' '+e3.SureName as 'Supporter3' from vwHRLoanEmployees vw left outer join tblemployee e1 on supporterEmployeeid1=e1.id left outer join tblemployee e2 on supporteremployeeid2=e2.id left outer join tblemployee e3 on supporteremployeeid3=e3.id where vw.LoanID="_s;
+    sql.replace(u"+' '+"_s, kLite.concatOperator() + u"' '"_s + kLite.concatOperator());
+    return sql + QString::number(loanId);
+}
+
+const QString kSearchHead =
+    u"Select *, (select x.code from tblHRLoan x where x.id=loanid) as LoanCode, (select x.FirstName from tblEmployee x where x.id=EmployeeID) as FirstName, (select x.SureName from tblEmployee x where x.id=EmployeeID) as SureName from vwHRLoanData where ID >=0 "_s;
+
+TEST(Views, LoanDataGivesOneRowPerMemberWithTheLoansIdAndTheNames) {
+    ScratchDb s;
+    seed(s);
+    const auto rows = s.rows(u"select * from vwHRLoanData where ID =1"_s);
+    ASSERT_EQ(rows.size(), 2);
+    const auto& a = rows[0][u"employeeid"_s].toInt() == 1 ? rows[0] : rows[1];
+    const auto& b = rows[0][u"employeeid"_s].toInt() == 1 ? rows[1] : rows[0];
+    for (const auto* r : {&a, &b}) {
+        EXPECT_EQ((*r)[u"id"_s].toInt(), 1);
+        EXPECT_EQ((*r)[u"loanid"_s].toInt(), 1);
+        EXPECT_EQ((*r)[u"code"_s].toInt(), 1);
+        EXPECT_EQ((*r)[u"typeid"_s].toInt(), 1);
+        EXPECT_EQ((*r)[u"loantypedesc"_s].toString(), u"وام ضروری"_s);
+        EXPECT_EQ((*r)[u"loanvalue"_s].toLongLong(), 12000500);
+        EXPECT_EQ((*r)[u"farsipaymentdate"_s].toString(), u"1403/01/01"_s);
+        EXPECT_EQ((*r)[u"enddate"_s].toString(), u"2025-03-20"_s);
+        EXPECT_EQ((*r)[u"notes"_s].toString(), u"یادداشت"_s);
+    }
+    EXPECT_EQ(a[u"employeecode"_s].toString(), u"1001"_s);
+    EXPECT_EQ(a[u"employeename"_s].toString(), u"علی رضایی"_s);
+    EXPECT_EQ(a[u"supporteremployeeid1"_s].toInt(), 2);
+    EXPECT_EQ(a[u"supporteremployeename1"_s].toString(), u"مریم احمدی"_s);
+    EXPECT_EQ(a[u"supporteremployeename2"_s].toString(), u"حسن کریمی"_s);
+    EXPECT_EQ(a[u"supporteremployeename3"_s].toString(), u"سارا نوری"_s);
+    EXPECT_TRUE(b[u"supporteremployeeid1"_s].isNull());
+    EXPECT_TRUE(b[u"supporteremployeename1"_s].isNull());
+    // The adjustment window reads a member's row with this text.
+    EXPECT_EQ(s.rows(u"Select * from vwHRLoanData where  LoanID=1 And EmployeeId=2"_s).size(), 1);
+}
+
+TEST(Views, LoanDataStillShowsALoanWithoutMembers) {
+    ScratchDb s;
+    seed(s);
+    const auto rows = s.rows(u"select * from vwHRLoanData where ID =2"_s);
+    ASSERT_EQ(rows.size(), 1);
+    EXPECT_EQ(rows[0][u"id"_s].toInt(), 2);
+    EXPECT_EQ(rows[0][u"loanid"_s].toInt(), 2);
+    EXPECT_TRUE(rows[0][u"code"_s].isNull());
+    EXPECT_TRUE(rows[0][u"employeeid"_s].isNull());
+    EXPECT_EQ(rows[0][u"loantypedesc"_s].toString(), u"مساعده"_s);
+    EXPECT_EQ(rows[0][u"useremainedvalueinfirstmonth"_s].toInt(), 2);
+}
+
+TEST(Views, MemberGridQueryGivesCodesNamesAndGuarantors) {
+    ScratchDb s;
+    seed(s);
+    const auto rows = s.rows(memberGridQuery(1));
+    ASSERT_EQ(rows.size(), 2);
+    EXPECT_EQ(rows[0][u"employeeid"_s].toInt(), 1);  // in the order the members were stored
+    EXPECT_EQ(rows[0][u"code"_s].toString(), u"1001"_s);
+    EXPECT_EQ(rows[0][u"firstname"_s].toString(), u"علی"_s);
+    EXPECT_EQ(rows[0][u"surename"_s].toString(), u"رضایی"_s);
+    EXPECT_EQ(rows[0][u"supporter1"_s].toString(), u"مریم احمدی"_s);
+    EXPECT_EQ(rows[0][u"supporter3"_s].toString(), u"سارا نوری"_s);
+    EXPECT_EQ(rows[0][u"supporteremployeeid3"_s].toInt(), 4);
+    EXPECT_EQ(rows[1][u"employeeid"_s].toInt(), 2);
+    EXPECT_TRUE(rows[1][u"supporter1"_s].isNull());
+    EXPECT_TRUE(rows[1][u"supporteremployeeid1"_s].isNull());
+    EXPECT_TRUE(s.rows(memberGridQuery(2)).isEmpty());
+}
+
+TEST(Views, AdjustmentsCarryTheEmployeesName) {
+    ScratchDb s;
+    seed(s);
+    const auto rows = s.rows(u"select * from vwHRLoanException where ID =1"_s);
+    ASSERT_EQ(rows.size(), 1);
+    EXPECT_EQ(rows[0][u"employeename"_s].toString(), u"علی رضایی"_s);
+    EXPECT_EQ(rows[0][u"loanid"_s].toInt(), 1);
+    EXPECT_EQ(rows[0][u"farsibegindate"_s].toString(), u"1403/03/01"_s);
+    EXPECT_EQ(rows[0][u"farsienddate"_s].toString(), u"1403/04/31"_s);
+    EXPECT_EQ(rows[0][u"monthlydebit"_s].toInt(), 500000);
+}
+
+TEST(Views, EmployeeSelectorSourcesTakeTheBorrowerFilter) {
+    ScratchDb s;
+    seed(s);
+    const QString filter = u" ID not in (Select x.ID from tblEmployee x Where x.WorkStatusID=3)"_s;
+    for (const QString& view : {names::vwEmployeeMajor, names::vwEmployeeMinor}) {
+        const auto all = s.rows(u"select * from "_s + view);
+        EXPECT_EQ(all.size(), 5);
+        const auto rows = s.rows(u"select * from "_s + view + u" where"_s + filter);
+        ASSERT_EQ(rows.size(), 4) << view.toStdString();
+        for (const auto& r : rows) EXPECT_NE(r[u"id"_s].toInt(), 5);
+        const auto one = s.rows(u"select * from "_s + view + u" where ID=2"_s);
+        ASSERT_EQ(one.size(), 1);
+        EXPECT_EQ(one[0][u"employeename"_s].toString(), u"مریم احمدی"_s);
+        EXPECT_EQ(one[0][u"code"_s].toString(), u"1002"_s);
+    }
+}
+
+// Every statement the windows send, built from their fixed fragments in the SQLite dialect,
+// runs on the schema.
+TEST(Statements, EveryWindowsTextRunsOnTheEmbeddedSchema) {
+    ScratchDb s;
+    seed(s);
+    const QString cat = kLite.concatOperator();
+    const QString begin = kLite.dateText(QDate(2024, 4, 19));
+    const QString end = kLite.dateText(QDate(2025, 3, 20));
+    auto withCat = [&](QString sql) { return sql.replace(u"+' '+"_s, cat + u"' '"_s + cat); };
+
+    const QStringList selects{
+        u"Select * from tblVarekSystemParameters Where ID=3450"_s,
+        u"Select MAX(ID) as MAXID from tblHRLoan"_s,
+        u"Select * from tblHRMonthlyPaiedLoan Where LoanID=1"_s,
+        u"select * from vwHRLoanException where ID =1"_s,
+        u"Select * from tblHRLoanException where Id=1"_s,
+        u"Select * from vwHRLoanData where  LoanID=1 And EmployeeId=1"_s,
+        u"Select * from vwHRLoanException Where ID>=0 "_s + u" and EmployeeID=1"_s +
+            u" and FarsiEndDate<= '"_s + u"1403/12/30"_s + u"'"_s + u" and FarsiBeginDate>= '"_s +
+            u"1403/01/01"_s + u"'"_s,
+        u"select * from tblHRLoanType"_s,
+        u"select * from vwHRLoanData where ID =1"_s,
+        u"Select distinct EmployeeID from tblHRLoanDetail Where EmployeeID in ("_s + u"1,2"_s +
+            u") and LoanID <> "_s + u"-1"_s +
+            u" and LoanID in (Select x.ID from tblHRLoan x Where Not (x.BeginDate>'"_s + end +
+            u"' Or x.EndDate < '"_s + begin + u"') and TypeID="_s + u"1"_s + u")"_s,
+        u"Select MaxValue from tblHRLoanType where ID=1"_s,
+        u"select * from tblHRLoanType where ID=1"_s,
+        memberGridQuery(1),
+        withCat(
+            u"select e.ID, e.Code, e.FirstName +' '+e.SureName as 'EmployeeName' from tblEmployee e Where e.ID="_s) +
+            u"3"_s,
+        withCat(
+            u"select distinct x.EmployeeID, e.Code, e.FirstName +' '+e.SureName as 'EmployeeName' from tblEmployee e inner join tblHROrdinance x on x.EmployeeID=e.ID Where e.ID not in ("_s) +
+            u"1,2"_s + u") and Not (x.BeginDate>'"_s + end + u"' or x.EndDate<'"_s + begin +
+            u"')"_s,
+        kSearchHead + u" and Code is Null"_s + u" and Code is Not Null"_s +
+            u" and Notes like '%"_s + u"x"_s + u"%'"_s + u" and LoanValue>="_s + u"1"_s +
+            u" and LoanValue<="_s + u"2"_s + u" and TypeID="_s + u"1"_s + u" and EmployeeID="_s +
+            u"1"_s + u" and (SupporterEmployeeID1="_s + u"2"_s + u" OR SupporterEmployeeID2="_s +
+            u"2"_s + u" OR SupporterEmployeeID3="_s + u"2"_s + u" )"_s +
+            u" and FarsiPaymentDate>='"_s + u"1403/01/01"_s + u"' "_s +
+            u" and FarsiPaymentDate<='"_s + u"1403/12/30"_s + u"'  "_s +
+            u" and FarsiBeginDate>='"_s + u"1403/01/01"_s + u"' "_s + u" and FarsiBeginDate<='"_s +
+            u"1403/12/30"_s + u"' "_s + u" and FarsiEndDate>='"_s + u"1403/01/01"_s + u"' "_s +
+            u" and FarsiEndDate<='"_s + u"1404/12/29"_s + u"' "_s + u" and MonthlyValue>="_s +
+            u"1"_s + u" and MonthlyValue<="_s + u"2"_s,
+    };
+    for (const QString& sql : selects) s.rows(sql);
+
+    // The writes of a save, a removal and a delete, in order.
+    const QStringList writes{
+        u"insert into tblHRLoan (TypeID, PaymentDate, FarsiPaymentDate, BeginDate, FarsiBeginDate, EndDate, FarsiEndDate, LoanValue) Values ("_s +
+            u"1"_s + u", '"_s + begin + u"', '"_s + u"1403/01/31"_s + u"', '"_s + begin +
+            u"', '"_s + u"1403/12/30"_s + u"', '"_s + end + u"', '"_s + end + u"', "_s +
+            u"5000000"_s + u")"_s,
+        u"Update tblHRLoan"_s + u" Set TypeID = "_s + u"1"_s + u", Code = "_s +
+            u" IsNull((Select MAX(x.CODE) from tblHRLoan x Where x.Code is not null), 0)+1"_s
+                .replace(u"IsNull"_s, kLite.isNullFunction()) +
+            u", PaymentDate = '"_s + begin + u"'"_s + u", FarsiPaymentDate = '"_s +
+            u"1403/01/31"_s + u"'"_s + u", BeginDate = '"_s + begin + u"'"_s +
+            u", FarsiBeginDate = '"_s + u"1403/01/31"_s + u"'"_s + u", EndDate = '"_s + end +
+            u"'"_s + u", FarsiEndDate = '"_s + u"1403/12/30"_s + u"'"_s +
+            u", OriginalLoanValue="_s + u"5000000"_s + u", MonthlyValue="_s + u"400000"_s +
+            u", LoanValue="_s + u"5000000"_s + u", PayBackNumber="_s + u"12"_s +
+            u", UseRemainedValueInFirstMonth="_s + u"0"_s + u", Notes="_s + u"Null"_s +
+            u" Where ID= "_s + u"3"_s,
+        kLite.deleteFrom(u"tblHRLoanDetail"_s) + u" Where LoanID="_s + u"3"_s,
+        u"insert into tblHRLoanDetail(LoanID, EmployeeID, SupporterEmployeeID1, SupporterEmployeeID2, SupporterEmployeeID3) Values ("_s +
+            u"3"_s + u", "_s + u"3"_s + u", "_s + u"4"_s + u", "_s + u"null"_s + u", "_s +
+            u"null"_s + u")"_s,
+        kLite.deleteFrom(u"tblHRLoanDetail"_s) + u" where LoanID="_s + u"1"_s +
+            u" and EmployeeID="_s + u"2"_s + u" "_s,
+        u"Update tblHRLoan Set Code = Null where ID="_s + u"1"_s,
+        kLite.deleteFrom(u"tblHRLoanException"_s) + u" where ID="_s + u"1"_s +
+            u" and EmployeeID="_s + u"1"_s,
+        kLite.deleteFrom(u"tblHRLoanDetail"_s) + u" where LoanID="_s + u"2"_s + u" "_s,
+        kLite.deleteFrom(u"tblHRLoan"_s) + u" where ID="_s + u"2"_s + u" "_s,
+    };
+    for (const QString& sql : writes) ASSERT_TRUE(s.exec(sql)) << sql.toStdString();
+
+    // The new loan got the next key and, saved final, the next number after loan 1's.
+    EXPECT_EQ(s.scalar(u"Select MAX(ID) as MAXID from tblHRLoan"_s).toInt(), 3);
+    EXPECT_EQ(s.scalar(u"select Code from tblHRLoan where ID=3"_s).toInt(), 2);
+    EXPECT_EQ(s.rows(u"select * from vwHRLoanData where ID =3"_s).size(), 1);
+    EXPECT_TRUE(s.scalar(u"select Code from tblHRLoan where ID=1"_s).isNull());
+    EXPECT_EQ(s.scalar(u"select count(*) from tblHRLoan where ID=2"_s).toInt(), 0);
+}
+
+TEST(Statements, SearchAndOrdinanceQueriesFindWhatTheyShould) {
+    ScratchDb s;
+    seed(s);
+    const auto all = s.rows(kSearchHead);
+    EXPECT_EQ(all.size(), 3);  // two members of loan 1 and the memberless loan 2
+    const auto finals =
+        s.rows(kSearchHead + u" and Code is Not Null"_s + u" and (SupporterEmployeeID1="_s +
+               u"3 OR SupporterEmployeeID2=3 OR SupporterEmployeeID3=3 )"_s);
+    ASSERT_EQ(finals.size(), 1);
+    EXPECT_EQ(finals[0][u"loancode"_s].toInt(), 1);
+    EXPECT_EQ(finals[0][u"firstname"_s].toString(), u"علی"_s);
+    EXPECT_EQ(finals[0][u"surename"_s].toString(), u"رضایی"_s);
+    EXPECT_EQ(finals[0][u"id"_s].toInt(), 1);
+
+    // Employees 3 and 4 hold ordinances; only 3's overlaps 1403, and 1 and 2 are excluded.
+    QString ordinance =
+        u"select distinct x.EmployeeID, e.Code, e.FirstName +' '+e.SureName as 'EmployeeName' from tblEmployee e inner join tblHROrdinance x on x.EmployeeID=e.ID Where e.ID not in ("_s;
+    ordinance.replace(u"+' '+"_s, u"||' '||"_s);
+    const auto found =
+        s.rows(ordinance + u"1,2) and Not (x.BeginDate>'"_s + kLite.dateText(QDate(2025, 3, 20)) +
+               u"' or x.EndDate<'"_s + kLite.dateText(QDate(2024, 4, 19)) + u"')"_s);
+    ASSERT_EQ(found.size(), 1);
+    EXPECT_EQ(found[0][u"employeeid"_s].toInt(), 3);
+    EXPECT_EQ(found[0][u"employeename"_s].toString(), u"حسن کریمی"_s);
+}
+
+TEST(Schema, CreatingTwiceKeepsTheRows) {
+    ScratchDb s;
+    seed(s);
+    EXPECT_TRUE(HasEmbeddedSchema(s.db()));
+    CreateEmbeddedSchema(s.db());
+    EXPECT_EQ(s.scalar(u"select count(*) from tblHRLoan"_s).toInt(), 2);
+    ScratchDb empty(false);
+    EXPECT_FALSE(HasEmbeddedSchema(empty.db()));
+}
+
+TEST(Schema, HoldsEveryTableAndViewTheModuleNames) {
+    ScratchDb s;
+    QStringList objects;
+    for (const auto& r : s.rows(u"select name from sqlite_master where type in ('table','view')"_s))
+        objects << r[u"name"_s].toString();
+    for (const QString& n :
+         {names::tblHRLoan, names::tblHRLoanDetail, names::tblHRLoanType, names::tblHRLoanException,
+          names::tblHRMonthlyPaiedLoan, names::tblEmployee, names::tblHROrdinance,
+          names::tblVarekSystemParameters, names::tblVarekUserPermission, names::vwHRLoanData,
+          names::vwHRLoanEmployees, names::vwHRLoanException, names::vwEmployeeMajor,
+          names::vwEmployeeMinor})
+        EXPECT_TRUE(objects.contains(n)) << n.toStdString();
+    // The keys are identities: the ID of a deleted last row is not handed out again.
+    s.exec({u"insert into tblHRLoan (TypeID) values (1)"_s,
+            u"insert into tblHRLoan (TypeID) values (1)"_s, u"delete from tblHRLoan where ID=2"_s,
+            u"insert into tblHRLoan (TypeID) values (1)"_s});
+    EXPECT_EQ(s.scalar(u"Select MAX(ID) as MAXID from tblHRLoan"_s).toInt(), 3);
+}
+
+// ---- The T-SQL reference script is kept in step with the embedded schema ----
+
+struct Script {
+    QMap<QString, QStringList> objects;     // lower-case table or view name -> columns
+    QMap<QString, QStringList> procedures;  // lower-case name -> parameters in order
+};
+
+// Reads the script loosely: the column lines of each CREATE TABLE, the select list of
+// each CREATE VIEW (the name after the last AS of an item) and each procedure's
+// parameters.
+Script parseScript(const QString& text) {
+    Script out;
+    static const QRegularExpression table(
+        uR"(CREATE\s+TABLE\s+(?:dbo\.)?\[?(\w+)\]?\s*\((.*?)\n\);)"_s,
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    for (auto it = table.globalMatch(text); it.hasNext();) {
+        const auto m = it.next();
+        QStringList columns;
+        for (QString line : m.captured(2).split(u'\n')) {
+            line = line.trimmed();
+            if (line.isEmpty() || line.startsWith(u"--"_s) || line.startsWith(u"CONSTRAINT"_s))
+                continue;
+            columns << line.section(u' ', 0, 0).remove(u'[').remove(u']').toLower();
+        }
+        out.objects.insert(m.captured(1).toLower(), columns);
+    }
+    static const QRegularExpression view(
+        uR"(CREATE\s+(?:OR\s+ALTER\s+)?VIEW\s+(?:dbo\.)?\[?(\w+)\]?\s+AS\s+SELECT\s(.*?)\sFROM\s)"_s,
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression alias(uR"(\s+AS\s+\[?(\w+)\]?\s*$)"_s,
+                                          QRegularExpression::CaseInsensitiveOption);
+    for (auto it = view.globalMatch(text); it.hasNext();) {
+        const auto m = it.next();
+        QStringList columns;
+        for (const QString& item : m.captured(2).split(u',')) {
+            const auto a = alias.match(item);
+            columns << (a.hasMatch() ? a.captured(1) : item.trimmed().section(u'.', -1)).toLower();
+        }
+        out.objects.insert(m.captured(1).toLower(), columns);
+    }
+    static const QRegularExpression proc(
+        uR"(CREATE\s+(?:OR\s+ALTER\s+)?PROC(?:EDURE)?\s+(?:dbo\.)?\[?(\w+)\]?(.*?)\n\s*AS\s*\n)"_s,
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression param(uR"(@\w+)"_s);
+    for (auto it = proc.globalMatch(text); it.hasNext();) {
+        const auto m = it.next();
+        QStringList params;
+        for (auto p = param.globalMatch(m.captured(2)); p.hasNext();)
+            params << p.next().captured(0);
+        out.procedures.insert(m.captured(1).toLower(), params);
+    }
+    return out;
+}
+
+TEST(Schema, SqlServerScriptHasTheSameTablesViewsAndColumns) {
+    QFile f(SqlServerSchemaScriptPath());
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly)) << f.fileName().toStdString();
+    const Script script = parseScript(QString::fromUtf8(f.readAll()));
+
+    ScratchDb s;
+    QMap<QString, QStringList> embedded;
+    for (const auto& r : s.rows(u"select name from sqlite_master where type in ('table','view') "
+                                u"and name not like 'sqlite%'"_s)) {
+        const QString name = r[u"name"_s].toString();
+        QStringList columns;
+        for (const auto& c : s.rows(u"pragma table_info("_s + name + u")"_s))
+            columns << c[u"name"_s].toString().toLower();
+        embedded.insert(name.toLower(), columns);
+    }
+    ASSERT_EQ(embedded.size(), 14);
+    EXPECT_EQ(script.objects.keys(), embedded.keys());
+    for (auto it = embedded.cbegin(); it != embedded.cend(); ++it)
+        EXPECT_EQ(script.objects.value(it.key()), it.value()) << it.key().toStdString();
+
+    for (const ProcedureInfo* p :
+         {&HasPermissionProcedure(), &LoanExceptionNewProcedure(), &LoanExceptionUpdateProcedure()})
+        EXPECT_EQ(script.procedures.value(p->name.toLower()), p->parameters)
+            << p->name.toStdString();
+}
+
+}  // namespace

@@ -1,0 +1,796 @@
+#include "loan_editor/FormHRLoan.h"
+
+#include "controls/FlexGrid.h"
+#include "controls/VarekCurrency.h"
+#include "controls/VarekDate.h"
+#include "loan_editor/LoanDates.h"
+#include "loan_editor/LoanEditorTexts.h"
+#include "loan_editor/LoanModes.h"
+#include "loan_editor/LoanTerms.h"
+#include "session/Handler.h"
+#include "session/Module.h"
+#include "session/Ui.h"
+#include "session/Vb.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScreen>
+#include <QTimer>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace kav {
+
+namespace T = editor_texts;
+using controls::FlexGrid;
+using controls::VarekCurrency;
+using controls::VarekDate;
+
+namespace {
+
+// A field value as the window shows it: Null is the empty text, numbers in plain decimal.
+QString fieldText(const QVariant& v) {
+    if (v.isNull()) return QString();
+    switch (v.typeId()) {
+        case QMetaType::Double:
+        case QMetaType::Float: return vb::CStr(v.toDouble());
+        default: return v.toString();
+    }
+}
+
+// Restores the normal mouse pointer when the busy stretch ends, however it ends.
+class BusyPointer {
+public:
+    BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~BusyPointer() { QApplication::restoreOverrideCursor(); }
+};
+
+template <class W>
+W* named(W* w, const QString& name) {
+    w->setObjectName(name);
+    return w;
+}
+
+}  // namespace
+
+FormHRLoan::FormHRLoan(Module& module, QWidget* parent) : QDialog(parent), module_(module) {
+    buildControls();
+    connectHandlers();
+    Form_Load();
+}
+
+FormHRLoan::~FormHRLoan() = default;
+
+void FormHRLoan::buildControls() {
+    ApplyPersianStyle(this);
+    setModal(true);
+    setWindowTitle(T::TitleEmpty);
+
+    auto label = [this](const QString& text, QWidget* buddy) {
+        auto* l = new QLabel(text, this);
+        l->setBuddy(buddy);
+        return l;
+    };
+
+    lblMessage = named(new QLabel(this), u"lblMessage"_s);
+    QFont statusFont = lblMessage->font();
+    statusFont.setBold(true);
+    lblMessage->setFont(statusFont);
+    lblMessage->setMinimumHeight(24);
+
+    txtID = named(new QLineEdit(this), u"txtID"_s);
+    txtID->setReadOnly(true);
+    txtCode = named(new QLineEdit(this), u"txtCode"_s);
+    txtCode->setReadOnly(true);
+    cmbLoanType = named(new QComboBox(this), u"cmbLoanType"_s);
+    cmbLoanType->setMinimumWidth(180);
+    txtMaxLoanValue = named(new VarekCurrency(this), u"txtMaxLoanValue"_s);
+    txtMaxLoanValue->setLocked(true);
+    datLoanPayDate = named(new VarekDate(this), u"datLoanPayDate"_s);
+    datBeginDate = named(new VarekDate(this), u"datBeginDate"_s);
+    datEndDate = named(new VarekDate(this), u"datEndDate"_s);
+    gtpTempDate = named(new VarekDate(this), u"gtpTempDate"_s);
+    gtpTempDate->hide();
+    txtOriginalValue = named(new VarekCurrency(this), u"txtOriginalValue"_s);
+    txtLoanValue = named(new VarekCurrency(this), u"txtLoanValue"_s);
+    txtPayBackNumber = named(new QLineEdit(this), u"txtPayBackNumber"_s);
+    TxtPerMonth = named(new VarekCurrency(this), u"TxtPerMonth"_s);
+    txtRem = named(new VarekCurrency(this), u"txtRem"_s);
+    txtRem->setLocked(true);
+    txtNotes = named(new QLineEdit(this), u"txtNotes"_s);
+    chkISValid = named(new QCheckBox(T::CaptionIsValid, this), u"chkISValid"_s);
+
+    UseRemainedValueInFirstMonth =
+        named(new QLabel(T::LabelRemainderOptions, this), u"UseRemainedValueInFirstMonth"_s);
+    UseRemainedValueInFirstMonthF =
+        named(new QRadioButton(T::OptionFirstMonth, this), u"UseRemainedValueInFirstMonthF"_s);
+    UseRemainedValueInFirstMonthL =
+        named(new QRadioButton(T::OptionLastMonth, this), u"UseRemainedValueInFirstMonthL"_s);
+    UseRemainedValueInSeparatedLastMonth = named(
+        new QRadioButton(T::OptionSeparateMonth, this), u"UseRemainedValueInSeparatedLastMonth"_s);
+    remainderGroup_ = new QButtonGroup(this);
+    remainderGroup_->addButton(UseRemainedValueInFirstMonthF);
+    remainderGroup_->addButton(UseRemainedValueInFirstMonthL);
+    remainderGroup_->addButton(UseRemainedValueInSeparatedLastMonth);
+
+    Frame1 = named(new QGroupBox(this), u"Frame1"_s);
+    auto* fields = new QGridLayout(Frame1);
+    fields->setHorizontalSpacing(8);
+    int row = 0;
+    auto place = [&](int r, int pair, QLabel* l, QWidget* w, int span = 1) {
+        fields->addWidget(l, r, pair * 2);
+        fields->addWidget(w, r, pair * 2 + 1, 1, span);
+    };
+    place(row, 0, label(T::LabelID, txtID), txtID);
+    place(row, 1, label(T::LabelCode, txtCode), txtCode);
+    place(row, 2, label(T::LabelLoanType, cmbLoanType), cmbLoanType);
+    ++row;
+    place(row, 0, label(T::LabelPayDate, datLoanPayDate), datLoanPayDate);
+    place(row, 1, label(T::LabelBeginDate, datBeginDate), datBeginDate);
+    place(row, 2, label(T::LabelEndDate, datEndDate), datEndDate);
+    ++row;
+    place(row, 0, label(T::LabelOriginalValue, txtOriginalValue), txtOriginalValue);
+    place(row, 1, label(T::LabelRequestedValue, txtLoanValue), txtLoanValue);
+    place(row, 2, label(T::LabelMaxLoanValue, txtMaxLoanValue), txtMaxLoanValue);
+    ++row;
+    place(row, 0, label(T::LabelPayBackNumber, txtPayBackNumber), txtPayBackNumber);
+    place(row, 1, label(T::LabelPerMonth, TxtPerMonth), TxtPerMonth);
+    place(row, 2, label(T::LabelRem, txtRem), txtRem);
+    ++row;
+    auto* options = new QHBoxLayout;
+    options->addWidget(UseRemainedValueInFirstMonthF);
+    options->addWidget(UseRemainedValueInFirstMonthL);
+    options->addWidget(UseRemainedValueInSeparatedLastMonth);
+    options->addStretch(1);
+    options->addWidget(chkISValid);
+    fields->addWidget(UseRemainedValueInFirstMonth, row, 0, 1, 2);
+    fields->addLayout(options, row, 2, 1, 4);
+    ++row;
+    place(row, 0, label(T::LabelNotes, txtNotes), txtNotes, 5);
+    for (int c : {1, 3, 5}) fields->setColumnStretch(c, 1);
+
+    FlexEmployee = named(new FlexGrid(this), u"FlexEmployee"_s);
+    FlexEmployee->setMinimumHeight(180);
+
+    auto button = [this](const QString& caption, const QString& name) {
+        auto* b = named(new QPushButton(caption, this), name);
+        b->setAutoDefault(false);
+        return b;
+    };
+    cmdNew = button(T::CaptionNew, u"cmdNew"_s);
+    cmdEdit = button(T::CaptionEdit, u"cmdEdit"_s);
+    cmdDelete = button(T::CaptionDelete, u"cmdDelete"_s);
+    cmdRegSave = button(T::CaptionRegSave, u"cmdRegSave"_s);
+    cmdFinSave = button(T::CaptionFinSave, u"cmdFinSave"_s);
+    cmdCancel = button(T::CaptionCancel, u"cmdCancel"_s);
+    cmdExit = button(T::CaptionExit, u"cmdExit"_s);
+    cmdSearch = button(T::CaptionSearch, u"cmdSearch"_s);
+    cmdBacktoTemp = button(T::CaptionBackToTemp, u"cmdBacktoTemp"_s);
+    cmdBalance = button(T::CaptionBalance, u"cmdBalance"_s);
+    cmdAddEmp = button(T::CaptionAddEmp, u"cmdAddEmp"_s);
+    cmdDeleteEmp = button(T::CaptionDeleteEmp, u"cmdDeleteEmp"_s);
+    cmdAddOrdinanceEmployees =
+        button(T::CaptionAddOrdinanceEmployees, u"cmdAddOrdinanceEmployees"_s);
+    cmdDefineAccount = button(T::CaptionDefineAccount, u"cmdDefineAccount"_s);
+    PushButton1 = button(T::CaptionTools, u"PushButton1"_s);
+
+    mnuTool = named(new QMenu(this), u"mnuTool"_s);
+    auto item = [this](const QString& caption, const QString& name) {
+        auto* a = mnuTool->addAction(caption);
+        a->setObjectName(name);
+        return a;
+    };
+    mnuNew = item(T::CaptionNew, u"mnuNew"_s);
+    mnuEdit = item(T::CaptionEdit, u"mnuEdit"_s);
+    mnuDelete = item(T::CaptionDelete, u"mnuDelete"_s);
+    mnuTool->addSeparator();
+    mnuRegSave = item(T::CaptionRegSave, u"mnuRegSave"_s);
+    mnuFinSave = item(T::CaptionFinSave, u"mnuFinSave"_s);
+    mnuCancel = item(T::CaptionCancel, u"mnuCancel"_s);
+    mnuTool->addSeparator();
+    mnusearch = item(T::CaptionSearch, u"mnusearch"_s);
+    mnuExit = item(T::CaptionExit, u"mnuExit"_s);
+
+    auto* members = new QGroupBox(T::FrameMembers, this);
+    auto* memberLayout = new QVBoxLayout(members);
+    memberLayout->addWidget(FlexEmployee, 1);
+    auto* memberButtons = new QHBoxLayout;
+    for (QPushButton* b : {cmdAddEmp, cmdAddOrdinanceEmployees, cmdDeleteEmp, cmdBalance})
+        memberButtons->addWidget(b);
+    memberButtons->addStretch(1);
+    memberLayout->addLayout(memberButtons);
+
+    auto* commands = new QHBoxLayout;
+    for (QPushButton* b : {cmdNew, cmdEdit, cmdDelete, cmdRegSave, cmdFinSave, cmdCancel,
+                           cmdBacktoTemp, cmdSearch, cmdDefineAccount, PushButton1})
+        commands->addWidget(b);
+    commands->addStretch(1);
+    commands->addWidget(cmdExit);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(lblMessage);
+    layout->addWidget(Frame1);
+    layout->addWidget(members, 1);
+    layout->addLayout(commands);
+    layout->addWidget(gtpTempDate);
+
+    Timer1 = new QTimer(this);
+    Timer1->setObjectName(u"Timer1"_s);
+    Timer1->setInterval(250);
+    resize(960, 640);
+}
+
+void FormHRLoan::connectHandlers() {
+    auto handler = [this](void (FormHRLoan::*f)()) {
+        return [this, f] { RunHandler(module_, [&] { (this->*f)(); }); };
+    };
+    connect(cmdNew, &QPushButton::clicked, this, handler(&FormHRLoan::cmdNew_Click));
+    connect(cmdEdit, &QPushButton::clicked, this, handler(&FormHRLoan::cmdEdit_Click));
+    connect(cmdCancel, &QPushButton::clicked, this, handler(&FormHRLoan::cmdCancel_Click));
+    connect(cmdExit, &QPushButton::clicked, this, handler(&FormHRLoan::cmdExit_Click));
+    connect(PushButton1, &QPushButton::clicked, this, handler(&FormHRLoan::PushButton1_Click));
+    connect(Timer1, &QTimer::timeout, this, handler(&FormHRLoan::Timer1_Timer));
+
+    // The terms and dates; every handler runs inside the handler boundary.
+    connect(cmbLoanType, &QComboBox::activated, this, handler(&FormHRLoan::cmbLoanType_Click));
+    cmbLoanType->installEventFilter(this);
+    txtPayBackNumber->installEventFilter(this);
+    connect(txtOriginalValue, &VarekCurrency::GotFocus, this,
+            handler(&FormHRLoan::txtOriginalValue_GotFocus));
+    connect(txtOriginalValue, &VarekCurrency::LostFocus, this,
+            handler(&FormHRLoan::txtOriginalValue_LostFocus));
+    connect(txtLoanValue, &VarekCurrency::GotFocus, this,
+            handler(&FormHRLoan::txtLoanValue_GotFocus));
+    connect(txtLoanValue, &VarekCurrency::LostFocus, this,
+            handler(&FormHRLoan::txtLoanValue_LostFocus));
+    connect(txtLoanValue, &VarekCurrency::KeyPress, this, [this](int& key) {
+        if (!RunHandler(module_, [&] { txtLoanValue_KeyPress(key); })) key = 0;
+    });
+    connect(TxtPerMonth, &VarekCurrency::GotFocus, this,
+            handler(&FormHRLoan::TxtPerMonth_GotFocus));
+    connect(TxtPerMonth, &VarekCurrency::LostFocus, this,
+            handler(&FormHRLoan::TxtPerMonth_LostFocus));
+    connect(TxtPerMonth, &VarekCurrency::KeyPress, this, [this](int& key) {
+        if (!RunHandler(module_, [&] { TxtPerMonth_KeyPress(key); })) key = 0;
+    });
+    connect(datLoanPayDate, &VarekDate::DateChanged, this,
+            handler(&FormHRLoan::datLoanPayDate_Change));
+    connect(datBeginDate, &VarekDate::GotFocus, this, handler(&FormHRLoan::datBeginDate_GotFocus));
+    connect(datBeginDate, &VarekDate::DateChanged, this,
+            handler(&FormHRLoan::datBeginDate_Change));
+    connect(datBeginDate, &VarekDate::LostFocus, this,
+            handler(&FormHRLoan::datBeginDate_LostFocus));
+    connect(datEndDate, &VarekDate::GotFocus, this, handler(&FormHRLoan::datEndDate_GotFocus));
+    connect(datEndDate, &VarekDate::DateChanged, this, handler(&FormHRLoan::datEndDate_Change));
+    connect(datEndDate, &VarekDate::LostFocus, this, handler(&FormHRLoan::datEndDate_LostFocus));
+
+    forwardMenu(mnuNew, cmdNew, &FormHRLoan::cmdNew_Click);
+    forwardMenu(mnuEdit, cmdEdit, &FormHRLoan::cmdEdit_Click);
+    forwardMenu(mnuCancel, cmdCancel, &FormHRLoan::cmdCancel_Click);
+    forwardMenu(mnuExit, cmdExit, &FormHRLoan::cmdExit_Click);
+    // Delete, the saves and the search forward to their buttons; those buttons do their
+    // work once their own commands are built.
+    forwardMenu(mnuDelete, cmdDelete, nullptr);
+    forwardMenu(mnuRegSave, cmdRegSave, nullptr);
+    forwardMenu(mnuFinSave, cmdFinSave, nullptr);
+    forwardMenu(mnusearch, cmdSearch, nullptr);
+}
+
+void FormHRLoan::forwardMenu(QAction* item, QPushButton* button, void (FormHRLoan::*click)()) {
+    connect(item, &QAction::triggered, this, [this, button, click] {
+        if (!button->isEnabled()) return;
+        if (click) RunHandler(module_, [&] { (this->*click)(); });
+        else button->click();
+    });
+}
+
+// ---- Loading ----
+
+void FormHRLoan::Form_Load() {
+    defaultPayDate_ = module_.SystemWorkingDate();
+    module_.session.LoanEditStarted = 0;
+    FillLoanTypes();
+    InitialFlexEmployee();
+    cmdNew->setFocus();
+}
+
+void FormHRLoan::FillLoanTypes() {
+    Recordset rs = module_.DtEn().NewRecordset();
+    rs.Open(u"select * from tblHRLoanType"_s);
+    cmbLoanType->clear();
+    for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext())
+        cmbLoanType->addItem(rs.Fields(u"Name"_s).toString(), rs.Fields(u"ID"_s));
+    rs.Close();
+    cmbLoanType->setCurrentIndex(-1);
+}
+
+void FormHRLoan::FillLoan(const QString& loanId) {
+    Recordset rs = module_.DtEn().NewRecordset();
+    rs.Open(u"select * from vwHRLoanData where ID ="_s + loanId);
+    if (rs.RecordCount() > 0) {
+        rs.MoveFirst();
+        txtID->setText(fieldText(rs.Fields(u"ID"_s)));
+        const QVariant typeId = rs.Fields(u"TypeID"_s);
+        for (int i = 0; i < cmbLoanType->count(); ++i)
+            if (!typeId.isNull() && cmbLoanType->itemData(i).toLongLong() == typeId.toLongLong())
+                cmbLoanType->setCurrentIndex(i);
+        txtLoanValue->setText(fieldText(rs.Fields(u"LoanValue"_s)));
+        txtOriginalValue->setText(fieldText(rs.Fields(u"OriginalLoanValue"_s)));
+        txtCode->setText(fieldText(rs.Fields(u"CODE"_s)));
+        datLoanPayDate->setFarsidate(fieldText(rs.Fields(u"FarsiPaymentDate"_s)));
+        datBeginDate->setFarsidate(rs.IsNull(u"BeginDate"_s)
+                                       ? QString()
+                                       : fieldText(rs.Fields(u"FarsiBeginDate"_s)));
+        datEndDate->setFarsidate(
+            rs.IsNull(u"EndDate"_s) ? QString() : fieldText(rs.Fields(u"FarsiEndDate"_s)));
+        txtNotes->setText(fieldText(rs.Fields(u"notes"_s)));
+        TxtPerMonth->setText(fieldText(rs.Fields(u"MonthlyValue"_s)));
+        txtPayBackNumber->setText(fieldText(rs.Fields(u"PayBackNumber"_s)));
+        txtRem->setText(loan::txtRemOnLoad(rs.Fields(u"LoanValue"_s),
+                                              rs.Fields(u"MonthlyValue"_s),
+                                              rs.Fields(u"PayBackNumber"_s)));
+        setRemainderOption(rs.Fields(u"UseRemainedValueInFirstMonth"_s));
+    }
+    rs.Close();
+    FillLoanDetail(loanId);
+}
+
+void FormHRLoan::setRemainderOption(const QVariant& value) {
+    if (value.isNull()) {
+        remainderGroup_->setExclusive(false);
+        for (QAbstractButton* b : remainderGroup_->buttons()) b->setChecked(false);
+        remainderGroup_->setExclusive(true);
+        return;
+    }
+    switch (value.toInt()) {
+        case 1: UseRemainedValueInFirstMonthF->setChecked(true); break;
+        case 0: UseRemainedValueInFirstMonthL->setChecked(true); break;
+        case 2: UseRemainedValueInSeparatedLastMonth->setChecked(true); break;
+        default: break;
+    }
+}
+
+void FormHRLoan::InitialFlexEmployee() {
+    FlexEmployee->Clear();
+    FlexEmployee->setCols(10);
+    FlexEmployee->setRows(1);
+    FlexEmployee->setFormatString(T::MemberGridFormat);
+    static constexpr int widths[10] = {500, 0, 1000, 4000, 2000, 2000, 2000, 2000, 0, 0};
+    for (int c = 0; c < 10; ++c) FlexEmployee->setColWidth(c, widths[c]);
+    for (int c = 0; c <= 6; ++c) FlexEmployee->setColAlignment(c, 4);
+}
+
+void FormHRLoan::FillLoanDetail(const QString& loanId) {
+    // Showing, reloading and removing all show exactly what the database holds.
+    FlexEmployee->setRows(1);
+    const QString plus = module_.DtEn().Dialect().concatOperator();
+    auto fullName = [&](const QString& e) {
+        return e + u".FirstName "_s + plus + u"' '"_s + plus + e + u".SureName"_s;
+    };
+    const QString sql =
+        u"select vw.*, "_s + fullName(u"e1"_s) + u" as 'Supporter1', "_s + fullName(u"e2"_s) +
+        u" as 'Supporter2', "_s + fullName(u"e3"_s) +
+        u" as 'Supporter3' from vwHRLoanEmployees vw left outer join tblemployee e1 on "
+        "supporterEmployeeid1=e1.id left outer join tblemployee e2 on supporteremployeeid2=e2.id "
+        "left outer join tblemployee e3 on supporteremployeeid3=e3.id where vw.LoanID="_s +
+        loanId;
+    Recordset rs = module_.DtEn().NewRecordset();
+    rs.Open(sql);
+    FlexEmployee->setRedraw(false);
+    for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
+        FlexEmployee->AddItem();
+        const int r = FlexEmployee->Rows() - 1;
+        FlexEmployee->setTextMatrix(r, 0, QString::number(r));
+        FlexEmployee->setTextMatrix(r, 1, fieldText(rs.Fields(u"EmployeeID"_s)));
+        FlexEmployee->setTextMatrix(r, 2, fieldText(rs.Fields(u"Code"_s)));
+        FlexEmployee->setTextMatrix(r, 3,
+                                    fieldText(rs.Fields(u"FirstName"_s)) + u"  "_s +
+                                        fieldText(rs.Fields(u"SureName"_s)));
+        for (int g = 1; g <= 3; ++g) {
+            FlexEmployee->setTextMatrix(r, 3 + g,
+                                        fieldText(rs.Fields(u"Supporter"_s + QString::number(g))));
+            const QString id = fieldText(rs.Fields(u"supporterEmployeeid"_s + QString::number(g)));
+            FlexEmployee->setTextMatrix(r, 6 + g, id.isEmpty() ? u"null"_s : id);
+        }
+    }
+    FlexEmployee->setRedraw(true);
+    rs.Close();
+}
+
+// ---- Modes ----
+
+bool FormHRLoan::ViewPRSLoansInfo(qint16 loanId) {
+    module_.session.CurrentLoanID = loanId;
+    txtID->setText(QString::number(loanId));
+    FillLoan(QString::number(loanId));
+    module_.session.LoanFormMode = ModeView;
+    DisableLockComponent();
+    if (txtCode->text().isEmpty()) {
+        cmdEdit->setEnabled(true);
+        mnuEdit->setEnabled(true);
+    }
+    return true;
+}
+
+void FormHRLoan::ShowFormToEdit() {
+    module_.session.LoanFormMode = ModeEdit;
+    DisableLockComponent();
+}
+
+void FormHRLoan::ShowFormToInsert() {
+    Clear();
+    FillLoanTypes();
+    module_.session.LoanFormMode = ModeNew;
+    DisableLockComponent();
+}
+
+QString FormHRLoan::getNextMonth(const QString& date) const {
+    return loan::getNextMonth(date, defaultPayDate_);
+}
+
+void FormHRLoan::Clear() {
+    txtCode->clear();
+    txtNotes->clear();
+    txtPayBackNumber->clear();
+    for (VarekCurrency* box : {TxtPerMonth, txtLoanValue, txtOriginalValue, txtMaxLoanValue, txtRem})
+        box->setText(QString());
+    cmbLoanType->setCurrentIndex(-1);
+    datLoanPayDate->Clear();
+    datBeginDate->Clear();
+    datEndDate->Clear();
+    FlexEmployee->setRows(1);
+    UseRemainedValueInFirstMonthF->setChecked(false);
+    UseRemainedValueInFirstMonthL->setChecked(false);
+    UseRemainedValueInSeparatedLastMonth->setChecked(true);
+    chkISValid->setChecked(false);
+    // A new loan's first instalment defaults to the last day of the payment date's month.
+    datBeginDate->setFarsidate(getNextMonth(defaultPayDate_));
+    if (!datBeginDate->IsEmpty())
+        datBeginDate->setEnglishdate(datBeginDate->englishdate().addDays(-1));
+    datLoanPayDate->setFarsidate(defaultPayDate_);
+}
+
+void FormHRLoan::DisableLockComponent() {
+    const qint32 mode = module_.session.LoanFormMode;
+    if (mode < 0 || mode > 3) return;
+    setWindowTitle(loan_modes::EditorTitle(mode));
+    const QString code = txtCode->text();
+    for (const loan_modes::Rule& rule : loan_modes::EditorTable()) {
+        const std::optional<bool> value =
+            loan_modes::Resolve(rule.kind, rule.byMode[std::size_t(mode)], code);
+        if (!value) continue;
+        for (const QString& name : rule.controls) {
+            QObject* target = findChild<QObject*>(name);
+            if (!target) continue;
+            if (rule.kind == loan_modes::Kind::Enable) {
+                if (auto* action = qobject_cast<QAction*>(target)) action->setEnabled(*value);
+                else if (auto* w = qobject_cast<QWidget*>(target)) w->setEnabled(*value);
+            } else if (auto* amount = qobject_cast<VarekCurrency*>(target)) {
+                amount->setLocked(*value);
+            } else if (auto* edit = qobject_cast<QLineEdit*>(target)) {
+                edit->setReadOnly(*value);
+            }
+        }
+    }
+}
+
+int FormHRLoan::StateValue() const { return txtID->text().isEmpty() ? 0 : 1; }
+
+// ---- Commands ----
+
+QString FormHRLoan::loanIdNumber() const { return vb::CStr(vb::Val(txtID->text())); }
+
+int FormHRLoan::paidInstalmentCount() {
+    Recordset rs = module_.DtEn().NewRecordset();
+    rs.Open(u"Select * from tblHRMonthlyPaiedLoan Where LoanID="_s + loanIdNumber());
+    const int count = rs.RecordCount();
+    rs.Close();
+    return count;
+}
+
+void FormHRLoan::cmdNew_Click() {
+    if (!module_.HasPermission(PermissionNewOrDeleteLoan)) {
+        module_.ShowRoleRefusal();
+        return;
+    }
+    ShowFormToInsert();
+    lblMessage->setText(module_.session.SessionTitle + T::StatusNewSuffix);
+    datLoanPayDate->SetFocus();
+}
+
+void FormHRLoan::cmdEdit_Click() {
+    if (!module_.HasPermission(PermissionEditLoan)) {
+        module_.ShowRoleRefusal();
+        return;
+    }
+    const int paid = paidInstalmentCount();
+    if (paid > 0) {
+        // Editing is refused with the wording of the delete refusal.
+        module_.ShowMessage(T::TroubleTitle, T::PaidRefusalStart + QString::number(paid) +
+                                                 T::PaidRefusalDeleteEnd);
+        return;
+    }
+    ShowFormToEdit();
+    lblMessage->setText(T::StatusEditPrefix + module_.session.SessionTitle);
+    module_.session.LoanEditStarted = 1;
+}
+
+void FormHRLoan::cmdCancel_Click() {
+    if (module_.AskQuestion(T::CancelTitlePrefix + module_.session.SessionTitle, T::AreYouSure) !=
+        AnswerYes)
+        return;
+    lblMessage->clear();
+    {
+        BusyPointer busy;
+        if (!txtID->text().isEmpty()) {
+            ViewPRSLoansInfo(vb::CInt(vb::Val(txtID->text())));
+            module_.session.LoanFormMode = ModeView;
+            DisableLockComponent();
+        } else {
+            Clear();
+            module_.session.LoanFormMode = ModeEmpty;
+            DisableLockComponent();
+        }
+        module_.session.LoanEditStarted = 0;
+    }
+    cmdNew->setFocus();
+}
+
+void FormHRLoan::cmdExit_Click() { close(); }
+
+void FormHRLoan::PushButton1_Click() {
+    mnuTool->popup(PushButton1->mapToGlobal(QPoint(0, PushButton1->height())));
+}
+
+void FormHRLoan::Timer1_Timer() {
+    const qint32 mode = module_.session.LoanFormMode;
+    if (mode == ModeEdit || mode == ModeNew) {
+        const bool complete = !txtLoanValue->Text().isEmpty() && cmbLoanType->currentIndex() >= 0 &&
+                              !datEndDate->IsEmpty();
+        cmdRegSave->setEnabled(complete);
+        cmdFinSave->setEnabled(complete);
+    }
+    if (mode != ModeEdit) {
+        cmdAddEmp->setEnabled(false);
+        cmdDeleteEmp->setEnabled(false);
+        cmdAddOrdinanceEmployees->setEnabled(false);
+    } else {
+        cmdAddEmp->setEnabled(true);
+        cmdAddOrdinanceEmployees->setEnabled(true);
+        if (FlexEmployee->Rows() <= 1) cmdDeleteEmp->setEnabled(false);
+    }
+}
+
+// ---- Loan terms ----
+
+loan::TermsFields FormHRLoan::termsFields() const {
+    loan::TermsFields f;
+    f.originalValueValue = txtOriginalValue->Value();
+    f.loanValueText = txtLoanValue->Text();
+    f.loanValueValue = txtLoanValue->Value();
+    f.payBackNumber = txtPayBackNumber->text();
+    f.perMonthText = TxtPerMonth->Text();
+    f.perMonthValue = TxtPerMonth->Value();
+    f.beginDate = datBeginDate->farsidate();
+    return f;
+}
+
+loan::DateFields FormHRLoan::dateFields() const {
+    loan::DateFields f;
+    f.loanPayDate = datLoanPayDate->farsidate();
+    f.beginDate = datBeginDate->farsidate();
+    f.endDate = datEndDate->farsidate();
+    f.payBackNumber = txtPayBackNumber->text();
+    f.loanValueText = txtLoanValue->Text();
+    f.perMonthText = TxtPerMonth->Text();
+    return f;
+}
+
+void FormHRLoan::showMessage(const std::optional<loan::Message>& message) {
+    if (message) module_.ShowMessage(message->title, message->text);
+}
+
+void FormHRLoan::applyTerms(const loan::TermsUpdate& update) {
+    showMessage(update.warning);
+    if (update.loanValue) txtLoanValue->setText(*update.loanValue);
+    if (update.payBackNumber) txtPayBackNumber->setText(*update.payBackNumber);
+    if (update.perMonth) TxtPerMonth->setText(*update.perMonth);
+    if (update.rem) txtRem->setText(*update.rem);
+    if (update.endDate) datEndDate->setFarsidate(*update.endDate);
+    if (update.remainderOptionsEnabled) {
+        UseRemainedValueInFirstMonthF->setEnabled(*update.remainderOptionsEnabled);
+        UseRemainedValueInFirstMonthL->setEnabled(*update.remainderOptionsEnabled);
+        UseRemainedValueInFirstMonth->setEnabled(*update.remainderOptionsEnabled);
+    }
+}
+
+void FormHRLoan::selectAll(VarekCurrency* box) {
+    box->SetSelStart(0);
+    box->SetSelLength(int(box->Text().size()));
+}
+
+void FormHRLoan::cmbLoanType_Click() {
+    if (cmbLoanType->currentIndex() < 0) {
+        cmbLoanType->setToolTip(QString());
+        return;
+    }
+    Recordset rs = module_.DtEn().NewRecordset();
+    rs.Open(u"Select MaxValue from tblHRLoanType where ID="_s +
+            cmbLoanType->currentData().toString());
+    txtMaxLoanValue->setText(rs.RecordCount() > 0 ? loan::CeilingText(rs.Fields(u"MaxValue"_s))
+                                                  : QString());
+    rs.Close();
+    cmbLoanType->setToolTip(cmbLoanType->currentText());
+}
+
+void FormHRLoan::cmbLoanType_KeyDown(int keyCode) {
+    if (keyCode != 46) return;  // Delete
+    cmbLoanType->setCurrentIndex(-1);
+    txtMaxLoanValue->setText(QString());
+}
+
+void FormHRLoan::txtOriginalValue_GotFocus() { selectAll(txtOriginalValue); }
+
+void FormHRLoan::txtOriginalValue_LostFocus() {
+    if (const auto copy = loan::OriginalValueLeft(termsFields())) txtLoanValue->setText(*copy);
+}
+
+void FormHRLoan::txtLoanValue_GotFocus() { selectAll(txtLoanValue); }
+
+void FormHRLoan::txtLoanValue_KeyPress(int& keyAscii) {
+    const loan::LoanValueKey k = loan::LoanValueKeyPress(
+        module_.session.LoanFormMode, cmbLoanType->currentIndex() >= 0, keyAscii);
+    keyAscii = k.keyAscii;
+    showMessage(k.warning);
+    if (k.clearAmountAndFocusType) {
+        txtLoanValue->setText(QString());
+        txtMaxLoanValue->setText(QString());
+        cmbLoanType->setFocus();
+    }
+}
+
+void FormHRLoan::txtLoanValue_LostFocus() {
+    QVariant maxValue;
+    if (cmbLoanType->currentIndex() >= 0) {
+        Recordset rs = module_.DtEn().NewRecordset();
+        rs.Open(u"select * from tblHRLoanType where ID="_s + cmbLoanType->currentData().toString());
+        if (rs.RecordCount() > 0) maxValue = rs.Fields(u"MaxValue"_s);
+        rs.Close();
+    }
+    applyTerms(loan::LoanValueLeft(termsFields(), maxValue));
+}
+
+void FormHRLoan::txtPayBackNumber_GotFocus() {
+    payBackNumberAtFocus = loan::PayBackNumberGotFocus(txtPayBackNumber->text());
+}
+
+void FormHRLoan::txtPayBackNumber_LostFocus() {
+    applyTerms(loan::PayBackNumberLeft(termsFields(), payBackNumberAtFocus));
+}
+
+void FormHRLoan::TxtPerMonth_GotFocus() {
+    selectAll(TxtPerMonth);
+    perMonthAtFocus = loan::PerMonthGotFocus(TxtPerMonth->Value());
+}
+
+void FormHRLoan::TxtPerMonth_KeyPress(int& keyAscii) { keyAscii = loan::PerMonthKeyPress(keyAscii); }
+
+void FormHRLoan::TxtPerMonth_LostFocus() {
+    applyTerms(loan::PerMonthLeft(termsFields(), perMonthAtFocus));
+}
+
+// ---- Dates ----
+
+void FormHRLoan::datLoanPayDate_Change() {
+    const loan::PayDateChange c = loan::LoanPayDateChanged(dateFields());
+    if (c.clearBeginDate) datBeginDate->Clear();
+    if (c.focusLoanType) cmbLoanType->setFocus();
+    if (c.clearEndDate) datEndDate->Clear();
+}
+
+void FormHRLoan::datBeginDate_GotFocus() { beginDateAtFocus = datBeginDate->englishdate(); }
+
+void FormHRLoan::datBeginDate_Change() {
+    const loan::BeginDateChange c = loan::BeginDateChanged(dateFields());
+    showMessage(c.warning);
+    if (c.clearBeginDate) datBeginDate->Clear();
+    if (c.focusBeginDate) datBeginDate->SetFocus();
+    if (c.clearEndDate) datEndDate->Clear();
+    if (c.endDate) datEndDate->setFarsidate(*c.endDate);
+}
+
+void FormHRLoan::datBeginDate_LostFocus() {
+    if (const auto end =
+            loan::BeginDateLeft(datBeginDate->englishdate(), beginDateAtFocus, dateFields()))
+        datEndDate->setFarsidate(*end);
+}
+
+void FormHRLoan::datEndDate_GotFocus() { endDateAtFocus = datEndDate->englishdate(); }
+
+void FormHRLoan::datEndDate_Change() {
+    const loan::EndDateChange c = loan::EndDateChanged(dateFields());
+    if (c.clearEndDate) datEndDate->Clear();
+    if (c.endDate) datEndDate->setFarsidate(*c.endDate);
+}
+
+void FormHRLoan::datEndDate_LostFocus() {
+    const loan::EndDateLeave c =
+        loan::EndDateLeft(datEndDate->englishdate(), endDateAtFocus, dateFields());
+    if (c.runPayBackNumberLeft) txtPayBackNumber_LostFocus();
+    if (c.endDate) datEndDate->setFarsidate(*c.endDate);
+}
+
+bool FormHRLoan::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == txtPayBackNumber) {
+        if (event->type() == QEvent::FocusIn)
+            RunHandler(module_, [&] { txtPayBackNumber_GotFocus(); });
+        else if (event->type() == QEvent::FocusOut)
+            RunHandler(module_, [&] { txtPayBackNumber_LostFocus(); });
+    } else if (watched == cmbLoanType && event->type() == QEvent::KeyPress) {
+        if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Delete) {
+            RunHandler(module_, [&] { cmbLoanType_KeyDown(46); });
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+// ---- Closing ----
+
+bool FormHRLoan::Form_Unload() {
+    const qint32 mode = module_.session.LoanFormMode;
+    QString question;
+    if (mode == ModeView && txtCode->text().isEmpty()) question = T::UnloadTemporaryQuestion;
+    else if (mode == ModeEdit || mode == ModeNew) question = T::UnloadEditQuestion;
+    if (question.isEmpty()) return true;
+    // Only a "no" keeps the window open; no answer at all lets it close.
+    return module_.AskQuestion(WarningTitle(), question) != AnswerNo;
+}
+
+void FormHRLoan::closeEvent(QCloseEvent* event) {
+    bool close = true;
+    RunHandler(module_, [&] { close = Form_Unload(); });
+    if (!close) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+    unloaded_ = true;
+    QDialog::done(QDialog::Rejected);
+}
+
+void FormHRLoan::reject() {
+    // Escape closes the window the same way as the close box.
+    close();
+}
+
+void FormHRLoan::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (QScreen* s = screen()) {
+        const QRect area = s->availableGeometry();
+        move(area.left() + (area.width() - width()) / 2, area.top() + (area.height() - height()) / 2);
+    }
+    unloaded_ = false;
+    Timer1->start();
+}
+
+void FormHRLoan::hideEvent(QHideEvent* event) {
+    Timer1->stop();
+    QDialog::hideEvent(event);
+}
+
+}  // namespace kav

@@ -1,0 +1,180 @@
+#pragma once
+
+// The loan window: one loan viewed, created or edited. Its mode (LoanFormMode: 0 view,
+// 1 edit, 2 new, 3 empty) decides the caption and which controls are enabled.
+
+#include "loan_editor/LoanTerms.h"
+#include "session/Vb.h"
+
+#include <QDate>
+#include <QDialog>
+#include <QString>
+#include <QVariant>
+#include <optional>
+
+class QAction;
+class QButtonGroup;
+class QCheckBox;
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QPushButton;
+class QRadioButton;
+class QTimer;
+
+namespace kav {
+class Module;
+namespace controls {
+class FlexGrid;
+class VarekCurrency;
+class VarekDate;
+}  // namespace controls
+
+class FormHRLoan : public QDialog {
+    Q_OBJECT
+public:
+    explicit FormHRLoan(Module& module, QWidget* parent = nullptr);
+    ~FormHRLoan() override;
+
+    // Public operations, as the other windows and the host use them.
+    bool ViewPRSLoansInfo(qint16 loanId);
+    void ShowFormToEdit();
+    void ShowFormToInsert();
+    void Clear();
+    QString getNextMonth(const QString& date) const;
+    void DisableLockComponent();
+    void FillLoanDetail(const QString& loanId);
+    void InitialFlexEmployee();
+    void FillLoan(const QString& loanId);
+
+    // 1 while the window shows a stored loan (txtID holds an id), else 0.
+    int StateValue() const;
+    QString DefaultPayDate() const { return defaultPayDate_; }
+    // True once the window has been closed (unloaded); the host then lets it go.
+    bool IsUnloaded() const { return unloaded_; }
+
+    // Event handlers, public so that tests and the menu reach them as a click would.
+    void cmdNew_Click();
+    void cmdEdit_Click();
+    void cmdCancel_Click();
+    void cmdExit_Click();
+    void PushButton1_Click();
+    void Timer1_Timer();
+    // The closing questions; false cancels the closing.
+    bool Form_Unload();
+
+    // The loan terms: type and ceiling, amounts, count, monthly instalment, remainder.
+    void cmbLoanType_Click();
+    void cmbLoanType_KeyDown(int keyCode);
+    void txtOriginalValue_GotFocus();
+    void txtOriginalValue_LostFocus();
+    void txtLoanValue_GotFocus();
+    void txtLoanValue_KeyPress(int& keyAscii);
+    void txtLoanValue_LostFocus();
+    void txtPayBackNumber_GotFocus();
+    void txtPayBackNumber_LostFocus();
+    void TxtPerMonth_GotFocus();
+    void TxtPerMonth_KeyPress(int& keyAscii);
+    void TxtPerMonth_LostFocus();
+    // The dates.
+    void datLoanPayDate_Change();
+    void datBeginDate_GotFocus();
+    void datBeginDate_Change();
+    void datBeginDate_LostFocus();
+    void datEndDate_GotFocus();
+    void datEndDate_Change();
+    void datEndDate_LostFocus();
+
+    // Controls, named as the users' documentation names them.
+    QLineEdit* txtID;
+    QLineEdit* txtCode;
+    QComboBox* cmbLoanType;
+    controls::VarekDate* datLoanPayDate;
+    controls::VarekDate* datBeginDate;
+    controls::VarekDate* datEndDate;
+    controls::VarekDate* gtpTempDate;
+    controls::VarekCurrency* txtLoanValue;
+    controls::VarekCurrency* txtOriginalValue;
+    controls::VarekCurrency* TxtPerMonth;
+    controls::VarekCurrency* txtMaxLoanValue;
+    controls::VarekCurrency* txtRem;
+    QLineEdit* txtPayBackNumber;
+    QLineEdit* txtNotes;
+    QRadioButton* UseRemainedValueInFirstMonthF;
+    QRadioButton* UseRemainedValueInFirstMonthL;
+    QRadioButton* UseRemainedValueInSeparatedLastMonth;
+    QLabel* UseRemainedValueInFirstMonth;
+    QCheckBox* chkISValid;
+    controls::FlexGrid* FlexEmployee;
+    QLabel* lblMessage;
+    QTimer* Timer1;
+    QGroupBox* Frame1;
+
+    QPushButton* cmdNew;
+    QPushButton* cmdEdit;
+    QPushButton* cmdDelete;
+    QPushButton* cmdRegSave;
+    QPushButton* cmdFinSave;
+    QPushButton* cmdCancel;
+    QPushButton* cmdExit;
+    QPushButton* cmdSearch;
+    QPushButton* cmdBacktoTemp;
+    QPushButton* cmdBalance;
+    QPushButton* cmdAddEmp;
+    QPushButton* cmdDeleteEmp;
+    QPushButton* cmdAddOrdinanceEmployees;
+    QPushButton* cmdDefineAccount;
+    QPushButton* PushButton1;
+
+    QMenu* mnuTool;
+    QAction* mnuNew;
+    QAction* mnuEdit;
+    QAction* mnuDelete;
+    QAction* mnuRegSave;
+    QAction* mnuFinSave;
+    QAction* mnuCancel;
+    QAction* mnuExit;
+    QAction* mnusearch;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void reject() override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void Form_Load();
+    void FillLoanTypes();
+    void buildControls();
+    void connectHandlers();
+    // The remainder option stored with a loan: Null none, 1 first, 0 last, 2 separate.
+    void setRemainderOption(const QVariant& value);
+    // The number in txtID as the SQL texts write it.
+    QString loanIdNumber() const;
+    // Payslip rows of the loan in txtID.
+    int paidInstalmentCount();
+    // Runs a menu item's button when that button is enabled.
+    void forwardMenu(QAction* item, QPushButton* button, void (FormHRLoan::*click)());
+
+    // The fields the term and date rules read, as the controls hold them now.
+    loan::TermsFields termsFields() const;
+    loan::DateFields dateFields() const;
+    void applyTerms(const loan::TermsUpdate& update);
+    void showMessage(const std::optional<loan::Message>& message);
+    void selectAll(controls::VarekCurrency* box);
+
+    Module& module_;
+    QString defaultPayDate_;
+    // Values at focus entry; leaving a field unchanged recomputes nothing.
+    vb::Currency payBackNumberAtFocus;
+    vb::Currency perMonthAtFocus;
+    QDate beginDateAtFocus;
+    QDate endDateAtFocus;
+    QButtonGroup* remainderGroup_;
+    bool unloaded_ = false;
+};
+
+}  // namespace kav

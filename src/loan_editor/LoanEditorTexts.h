@@ -1,0 +1,73 @@
+#pragma once
+
+// The loan editor's own texts, as the users know them.
+
+#include <QString>
+
+namespace kav::editor_texts {
+
+using namespace Qt::StringLiterals;
+
+// The module's title and the editor's caption when empty.
+inline const QString TitleEmpty = u"وام کارمندان"_s;
+inline const QString TitleView = u"وام کارمندان (مشاهده)"_s;
+inline const QString TitleEdit = u"وام کارمندان (ويرايش)"_s;
+inline const QString TitleNew = u"وام کارمندان (جديد)"_s;
+// Status line after New: the title followed by this.
+inline const QString StatusNewSuffix = u" جديد"_s;
+// Status line after Edit: this followed by the title.
+inline const QString StatusEditPrefix = u"اصلاح "_s;
+inline const QString StatusDeletePrefix = u"حذف "_s;
+// Title of the delete question (two blanks).
+inline const QString DeleteTitlePrefix = u"حذف  "_s;
+inline const QString CancelTitlePrefix = u"انصراف از ثبت "_s;
+inline const QString AreYouSure = u"آيا مطمئن هستيد؟"_s;
+inline const QString TroubleTitle = u"اشکال"_s;
+inline const QString InfoTitle = u"اطلاع"_s;
+inline const QString PaidRefusalStart = u"به دليل محاسبه در فيش هاي حقوقي ("_s;
+inline const QString PaidRefusalDeleteEnd = u" عدد)، امکان حذف وجود ندارد!"_s;
+inline const QString PaidRefusalBackEnd = u" عدد)، امکان بازگشت وجود ندارد!"_s;
+inline const QString UnloadTemporaryQuestion = u"در صورتي که اطلاعات را ثبت قطعي نکنيد، در محاسبات فيش حقوقي لحاظ نخواهد شد، آيا قصد خروج داريد؟"_s;
+inline const QString UnloadEditQuestion = u"اطلاعات ممکن است تغيير کرده باشد، آيا قصد خروج بدون ثبت تغييرات داريد؟"_s;
+inline const QString LabelMaxLoanValue = u"سقف وام:"_s;
+inline const QString LabelOriginalValue = u"مبلغ اوليه:"_s;
+inline const QString LabelRequestedValue = u"مانده اول ماه:"_s;
+inline const QString LabelPayBackNumber = u"تعداد اقساط:"_s;
+inline const QString LabelPerMonth = u"اقساط ماهيانه:"_s;
+inline const QString LabelRem = u"مانده:"_s;
+inline const QString OptionFirstMonth = u"ماه اول"_s;
+inline const QString OptionLastMonth = u"ماه آخر"_s;
+inline const QString OptionSeparateMonth = u"ماه جداگانه در آخرين ماه"_s;
+inline const QString LabelRemainderOptions = u"پرداخت مانده اقساط در:"_s;
+inline const QString LabelPayDate = u"تاريخ پرداخت:"_s;
+inline const QString LabelBeginDate = u":تاريخ شروع قسط"_s;
+inline const QString LabelEndDate = u":تاريخ تسويه"_s;
+inline const QString LabelLoanType = u"نوع وام:"_s;
+inline const QString LabelNotes = u"ملاحظات:"_s;
+inline const QString CaptionAddOrdinanceEmployees = u"کارمندان داراي حکم کارگزيني"_s;
+inline const QString MemberGridFormat = u"رديف |^شماره رايانه اي کارمند |^کد   کارمند|^ کارمند   |^ ضامن 1 |^ ضامن 2 |^ ضامن 3|kav1|kav2|kav3"_s;
+inline const QString CaptionNew = u"جديد"_s;
+inline const QString CaptionEdit = u"اصلاح"_s;
+inline const QString CaptionDelete = u"حذف"_s;
+inline const QString CaptionCancel = u"انصراف"_s;
+inline const QString CaptionExit = u"خروج"_s;
+inline const QString CaptionSearch = u"جستجو"_s;
+inline const QString CaptionRegSave = u"ثبت موقت"_s;
+inline const QString CaptionFinSave = u"ثبت قطعي"_s;
+inline const QString CaptionBalance = u"تعديل وام"_s;
+inline const QString NoTypeWarning = u"ابتدا نوع وام را مشخص كنيد."_s;
+inline const QString BeginBeforePayWarning = u"تاريخ شروع قسط نبايد قبل از تاريخ پرداخت باشد."_s;
+inline const QString BeginAfterEndWarning = u"تاريخ شروع قسط نبايد بعد از تاريخ پرداخت باشد."_s;
+
+// Captions the module adds for controls that had none of their own.
+inline const QString CaptionBackToTemp = u"بازگشت به موقت"_s;
+inline const QString CaptionAddEmp = u"افزودن کارمند"_s;
+inline const QString CaptionDeleteEmp = u"حذف کارمند"_s;
+inline const QString CaptionDefineAccount = u"تعريف حساب"_s;
+inline const QString CaptionTools = u"عمليات"_s;
+inline const QString LabelCode = u"شماره وام:"_s;
+inline const QString LabelID = u"شماره رايانه اي:"_s;
+inline const QString CaptionIsValid = u"معتبر"_s;
+inline const QString FrameMembers = u"کارمندان و ضامنين وام"_s;
+
+}  // namespace kav::editor_texts

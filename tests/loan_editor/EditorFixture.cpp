@@ -1,0 +1,43 @@
+#include "EditorFixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kav::test {
+
+void SeedLoans(const TestDatabase& db) {
+    db.exec({
+        u"insert into tblHRLoanType (ID, Name, MaxValue) values (1, 'قرض الحسنه', 50000000)"_s,
+        u"insert into tblHRLoanType (ID, Name, MaxValue) values (2, 'ضروري', NULL)"_s,
+        u"insert into tblEmployee (ID, Code, FirstName, SureName, WorkStatusID) values "
+        "(1, '1001', 'علي', 'رضايي', 1), (2, '1002', 'مريم', 'احمدي', 1), "
+        "(3, '1003', 'حسن', 'کريمي', 1), (4, '1004', 'زهرا', 'موسوي', 1)"_s,
+        u"insert into tblHRLoan (ID, Code, TypeID, PaymentDate, FarsiPaymentDate, BeginDate, "
+        "FarsiBeginDate, EndDate, FarsiEndDate, LoanValue, OriginalLoanValue, MonthlyValue, "
+        "PayBackNumber, UseRemainedValueInFirstMonth, Notes) values "
+        "(1, NULL, 1, '2024-03-25', '1403/01/06', '2024-04-19', '1403/01/31', '2025-03-20', "
+        "'1403/12/30', 1000000, 1200000, 83333, 12, 1, 'وام مسکن'),"
+        "(2, 7, 2, '2024-03-25', '1403/01/06', '2024-04-19', '1403/01/31', '2024-06-20', "
+        "'1403/03/31', 900, 900, 300, 3, 0, NULL),"
+        "(3, NULL, 2, NULL, NULL, NULL, '1403/01/31', NULL, '1403/03/31', 500, NULL, NULL, "
+        "NULL, NULL, NULL),"
+        "(4, NULL, 1, '2024-03-25', '1403/01/06', '2024-04-19', '1403/01/31', '2024-06-20', "
+        "'1403/03/31', 1000, 1000, 300, 3, 2, NULL),"
+        "(5, NULL, 1, '2024-03-25', '1403/01/06', '2024-04-19', '1403/01/31', '2024-06-20', "
+        "'1403/03/31', 1000, 1000, 300, 3, 2, NULL)"_s,
+        u"insert into tblHRLoanDetail (LoanID, EmployeeID, SupporterEmployeeID1, "
+        "SupporterEmployeeID2, SupporterEmployeeID3) values "
+        "(1, 1, 2, 3, NULL), (1, 4, NULL, NULL, NULL), (2, 2, 1, NULL, NULL), (5, 3, NULL, NULL, NULL)"_s,
+        u"insert into tblHRMonthlyPaiedLoan (LoanID, EmployeeID, PayMonth, PaidValue) values "
+        "(5, 3, '1403/02', 300), (5, 3, '1403/03', 300)"_s,
+        u"insert into tblVarekSystemParameters (ID, Value) values (3450, '1403/05/20')"_s,
+    });
+}
+
+void EditorTest::SetUp() {
+    SeedLoans(t.db);
+    t.grant(1, {111801, 111802, 111803});
+    session().SessionUserID = 1;
+    session().SessionTitle = u"وام کارمندان"_s;
+}
+
+}  // namespace kav::test

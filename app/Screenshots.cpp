@@ -1,0 +1,101 @@
+#include "Screenshots.h"
+
+#include "controls/ControlGallery.h"
+#include "data/DemoData.h"
+#include "host/kavHRLoan1.h"
+#include "loan_editor/FormHRLoan.h"
+#include "session/MessageDialogs.h"
+#include "session/Module.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A message component that shows nothing: the screenshots must never wait for a click.
+class SilentComponent : public kav::MessageComponent {
+public:
+    void SetFormTitle(const QVariant&) override {}
+    void SetFormMessage(const QString&) override {}
+    void SetFormType(qint16) override {}
+    void ClearShow() override {}
+    QVariant Resualt() const override { return 1; }
+};
+
+int save(QWidget& w, const QString& dir, const QString& name) {
+    w.show();
+    QApplication::processEvents();
+    const bool ok = w.grab().save(QDir(dir).filePath(name + u".png"_s));
+    w.hide();
+    return ok ? 1 : 0;
+}
+
+// The id of the first loan the demo database holds as temporary (or final).
+qint16 demoLoan(const QString& file, bool final) {
+    qint16 id = 0;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"screenshots"_s);
+        db.setDatabaseName(file);
+        if (db.open()) {
+            QSqlQuery q(db);
+            q.exec(final ? u"select min(ID) from tblHRLoan where Code is not null"_s
+                         : u"select min(ID) from tblHRLoan where Code is null"_s);
+            if (q.next()) id = qint16(q.value(0).toInt());
+        }
+    }
+    QSqlDatabase::removeDatabase(u"screenshots"_s);
+    return id;
+}
+
+}  // namespace
+
+int RenderScreenshots(const QString& dir) {
+    QDir().mkpath(dir);
+    int written = 0;
+    kav::controls::RenderControlGallery(dir);
+
+    QTemporaryDir temp;
+    const QString file = temp.filePath(u"demo.db"_s);
+    kav::data::CreateDemoDatabase(file);
+
+    auto module = std::make_shared<kav::Module>();
+    module->SetMessageFactory([] { return std::make_unique<SilentComponent>(); });
+    kav::kavHRLoan1 host(module);
+    host.setOLEConnectionstring(kav::data::EmbeddedConnectionString(file));
+    host.setUserID(kav::data::DemoUserWithPermissions);
+
+    // Each show of the editor is photographed instead of waiting for the user.
+    QString shot = u"editor-empty"_s;
+    module->SetModalRunner([&](QDialog& d) {
+        written += save(d, dir, shot);
+        return 0;
+    });
+    host.ClearShow();
+
+    auto& editor = module->Window<kav::FormHRLoan>();
+    auto photograph = [&](const QString& name) { written += save(editor, dir, name); };
+    editor.cmdNew_Click();
+    photograph(u"editor-new"_s);
+    editor.ViewPRSLoansInfo(demoLoan(file, false));
+    photograph(u"editor-view-temporary"_s);
+    editor.cmdEdit_Click();
+    photograph(u"editor-edit"_s);
+    editor.ViewPRSLoansInfo(demoLoan(file, true));
+    photograph(u"editor-view-final"_s);
+
+    auto message = kav::BuildMessageDialog(u"خطا"_s,
+                                           kav::Module::RoleRefusalText(), 0);
+    written += save(*message, dir, u"message"_s);
+    auto question = kav::BuildMessageDialog(
+        u"هشدار"_s, u"اطلاعات ممکن است تغيير کرده باشد، آيا قصد خروج بدون ثبت تغييرات داريد؟"_s, 1);
+    written += save(*question, dir, u"question"_s);
+
+    written += save(host, dir, u"test-bench"_s);
+    return written;
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QString>
+
+// Renders the module's windows and controls, headless, to PNG files in dir. Returns the
+// number of files written.
+int RenderScreenshots(const QString& dir);

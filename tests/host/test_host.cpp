@@ -1,0 +1,227 @@
+#include "controls/FlexGrid.h"
+#include "host/PropertyBag.h"
+#include "host/kavHRLoan1.h"
+#include "loan_editor/FormHRLoan.h"
+#include "../loan_editor/EditorFixture.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+#include <map>
+
+using namespace Qt::StringLiterals;
+using namespace kav;
+using namespace kav::test;
+
+namespace {
+
+// A bag that remembers what was written, in order.
+class MemoryBag : public PropertyBag {
+public:
+    QVariant ReadProperty(const QString& name, const QVariant& def) override {
+        reads << name;
+        auto it = stored.find(name);
+        return it == stored.end() ? def : it->second;
+    }
+    void WriteProperty(const QString& name, const QVariant& value, const QVariant& def) override {
+        writes << name;
+        if (value.toString() == def.toString()) stored.erase(name);
+        else stored[name] = value;
+    }
+    std::map<QString, QVariant> stored;
+    QStringList reads, writes;
+};
+
+class HostTest : public EditorTest {
+protected:
+    void SetUp() override {
+        EditorTest::SetUp();
+        session().SessionTitle.clear();
+        host = std::make_unique<kavHRLoan1>(std::shared_ptr<Module>(&t.module, [](Module*) {}));
+        host->setOLEConnectionstring(t.db.connectionString());
+        host->setUserID(1);
+        t.module.SetModalRunner([this](QDialog& d) {
+            ++shown;
+            modeWhenShown = session().LoanFormMode;
+            titleWhenShown = d.windowTitle();
+            return 0;
+        });
+    }
+    std::unique_ptr<kavHRLoan1> host;
+    int shown = 0;
+    qint32 modeWhenShown = -1;
+    QString titleWhenShown;
+};
+
+}  // namespace
+
+TEST(HostProperties, InitialValuesAndChangeNotifications) {
+    kavHRLoan1 c;
+    EXPECT_EQ(c.UserID(), 0);
+    EXPECT_EQ(c.OLEConnectionstring(), u"0"_s);
+    EXPECT_EQ(c.PRSEmployeeID(), 0);
+    EXPECT_TRUE(c.Caption().isEmpty());
+    QSignalSpy spy(&c, &kavHRLoan1::propertyChanged);
+    c.setUserID(3);
+    c.setPositionID(4);
+    c.setOLEConnectionstring(u"x"_s);
+    c.setEmployeeID(5);
+    c.setPRSEmployeeID(6);
+    c.setCaption(u"c"_s);
+    c.setModeWithChilds(1);
+    QStringList names;
+    for (const auto& args : spy) names << args.at(0).toString();
+    EXPECT_EQ(names, (QStringList{u"UserID"_s, u"PositionID"_s, u"OLEConnectionstring"_s,
+                                  u"EmployeeID"_s, u"PRSEmployeeID"_s, u"Caption"_s,
+                                  u"ModeWithChilds"_s}));
+}
+
+TEST(HostProperties, BagRoundTripInOrderWithoutDefaultsOrPRSEmployee) {
+    const QStringList order{u"UserID"_s,     u"PositionID"_s, u"OLEConnectionstring"_s,
+                            u"EmployeeID"_s, u"Caption"_s,    u"ModeWithChilds"_s};
+    MemoryBag bag;
+    kavHRLoan1 a;
+    a.WriteProperties(bag);
+    EXPECT_EQ(bag.writes, order);
+    EXPECT_TRUE(bag.stored.empty());  // every value equals its default
+
+    a.setUserID(12);
+    a.setOLEConnectionstring(u"Provider=SQLite;Data Source=x.db"_s);
+    a.setCaption(u" وام "_s);
+    a.setPRSEmployeeID(99);
+    a.setModeWithChilds(2);
+    a.WriteProperties(bag);
+    EXPECT_EQ(bag.stored.size(), 4u);
+    EXPECT_FALSE(bag.stored.count(u"PRSEmployeeID"_s));
+
+    kavHRLoan1 b;
+    b.setPRSEmployeeID(5);
+    b.ReadProperties(bag);
+    EXPECT_EQ(bag.reads, order);
+    EXPECT_EQ(b.UserID(), 12);
+    EXPECT_EQ(b.OLEConnectionstring(), u"Provider=SQLite;Data Source=x.db"_s);
+    EXPECT_EQ(b.Caption(), u" وام "_s);
+    EXPECT_EQ(b.ModeWithChilds(), 2);
+    EXPECT_EQ(b.PositionID(), 0);
+
+    // Through QSettings, as the host application keeps them.
+    QTemporaryDir dir;
+    {
+        QSettings settings(dir.filePath(u"host.ini"_s), QSettings::IniFormat);
+        SettingsPropertyBag sbag(settings, u"kavHRLoan1"_s);
+        a.WriteProperties(sbag);
+        EXPECT_FALSE(settings.contains(u"kavHRLoan1/PositionID"_s));
+        EXPECT_FALSE(settings.contains(u"kavHRLoan1/PRSEmployeeID"_s));
+    }
+    QSettings settings(dir.filePath(u"host.ini"_s), QSettings::IniFormat);
+    SettingsPropertyBag sbag(settings, u"kavHRLoan1"_s);
+    kavHRLoan1 c;
+    c.ReadProperties(sbag);
+    EXPECT_EQ(c.UserID(), 12);
+    EXPECT_EQ(c.Caption(), u" وام "_s);
+    EXPECT_EQ(c.OLEConnectionstring(), a.OLEConnectionstring());
+}
+
+TEST_F(HostTest, ClearShowModeFollowsPRSEmployee) {
+    for (const auto& [prs, mode] : std::vector<std::pair<qint32, qint32>>{
+             {0, ModeEmpty}, {-4, ModeEmpty}, {17, ModeNew}}) {
+        host->setPRSEmployeeID(prs);
+        host->ClearShow();
+        EXPECT_EQ(modeWhenShown, mode) << prs;
+    }
+    EXPECT_EQ(shown, 3);
+    EXPECT_EQ(titleWhenShown, u"وام کارمندان (جديد)"_s);
+    EXPECT_TRUE(t.messages->shown.isEmpty());
+}
+
+TEST_F(HostTest, ClearShowTitles) {
+    host->setCaption(u"   "_s);
+    host->ClearShow();
+    EXPECT_EQ(session().SessionTitle, u"وام کارمندان"_s);
+    EXPECT_EQ(session().SessionSearchTitle, u"وام کارمندان"_s);
+    host->setCaption(u" وام ويژه "_s);
+    host->ClearShow();
+    EXPECT_EQ(session().SessionTitle, u" وام ويژه "_s);  // as it stands, untrimmed
+    EXPECT_EQ(session().SessionSearchTitle, u" وام ويژه "_s);
+}
+
+TEST_F(HostTest, RoleRefusalLeavesTheWindowLoadedButUnshown) {
+    host->setUserID(2);  // no permissions
+    host->setPRSEmployeeID(3);
+    host->ClearShow();
+    EXPECT_EQ(shown, 0);
+    ASSERT_EQ(t.messages->shown.size(), 1);
+    EXPECT_EQ(t.messages->last().title, u"خطا"_s);
+    EXPECT_EQ(t.messages->last().text,
+              u"شما فاقد نقش مورد نظر هستيد. به نگهدارنده سيستم رجوع فرمائيد."_s);
+    ASSERT_TRUE(t.module.HasWindow<FormHRLoan>());
+    EXPECT_EQ(t.module.Window<FormHRLoan>().windowTitle(), u"وام کارمندان (جديد)"_s);
+}
+
+TEST_F(HostTest, ViewNeedsNoRoleAndKeepsTheTitles) {
+    host->setUserID(2);
+    host->setCaption(u"عنوان"_s);
+    session().SessionTitle = u"قبلي"_s;
+    qint32 id = FinalLoan;
+    host->View(id);
+    EXPECT_EQ(id, FinalLoan);
+    EXPECT_EQ(shown, 1);
+    EXPECT_EQ(modeWhenShown, ModeView);
+    EXPECT_EQ(titleWhenShown, u"وام کارمندان (مشاهده)"_s);
+    EXPECT_EQ(session().SessionTitle, u"قبلي"_s);
+    EXPECT_EQ(session().SessionUserID, 2);
+    EXPECT_EQ(t.module.Window<FormHRLoan>().txtCode->text(), u"7"_s);
+    EXPECT_TRUE(t.messages->shown.isEmpty());
+}
+
+TEST_F(HostTest, ClosedWindowIsLoadedAfreshNextTime) {
+    t.module.SetModalRunner([this](QDialog& d) {
+        ++shown;
+        d.show();
+        d.close();  // the empty mode closes without a question
+        return 0;
+    });
+    host->ClearShow();
+    EXPECT_FALSE(t.module.HasWindow<FormHRLoan>());
+    host->ClearShow();
+    EXPECT_EQ(shown, 2);
+}
+
+TEST_F(HostTest, BenchViewAndGridDoubleClick) {
+    host->TxtID->setText(u"abc"_s);
+    host->CmdView->click();  // through the handler boundary
+    EXPECT_EQ(shown, 0);
+    ASSERT_EQ(t.messages->shown.size(), 1);
+    EXPECT_EQ(t.messages->last().title, u"خطا"_s);
+
+    host->TxtID->setText(u"2"_s);
+    host->CmdView->click();
+    EXPECT_EQ(shown, 1);
+
+    auto* grid = host->FlexTempDocs;
+    grid->setCols(2);
+    grid->setRows(1);
+    host->FlexTempDocs_DblClick();  // header only
+    grid->setRows(3);
+    grid->setTextMatrix(1, 0, u"1"_s);
+    grid->setRow(2);  // empty first cell
+    host->FlexTempDocs_DblClick();
+    EXPECT_EQ(shown, 1);
+    grid->setRow(1);
+    host->FlexTempDocs_DblClick();
+    EXPECT_EQ(shown, 2);
+}
+
+TEST_F(HostTest, PositionTreeImagesStepOnExpandAndCollapse) {
+    auto* node = new QTreeWidgetItem(host->treePosition, QStringList{u"واحد"_s});
+    new QTreeWidgetItem(node, QStringList{u"زير واحد"_s});
+    host->treePosition_Expand(node);
+    EXPECT_EQ(node->data(0, Qt::UserRole + 1).toInt(), 7);
+    host->treePosition_Expand(node);
+    EXPECT_EQ(node->data(0, Qt::UserRole + 1).toInt(), 8);
+    host->treePosition_Collapse(node);
+    EXPECT_EQ(node->data(0, Qt::UserRole + 1).toInt(), 7);
+}

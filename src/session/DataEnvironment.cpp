@@ -12,7 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-Q_LOGGING_CATEGORY(lcSql, "kav.sql")
+Q_LOGGING_CATEGORY(lcSql, "kav.sql", QtWarningMsg)
 
 namespace kav {
 

@@ -1,0 +1,737 @@
+#include "controls/FlexGrid.h"
+
+#include <QAbstractTableModel>
+#include <QCollator>
+#include <QFontMetrics>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QTableView>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <vector>
+
+#include "session/Errors.h"
+#include "session/Ui.h"
+#include "session/Vb.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kav::controls {
+
+namespace {
+
+Qt::Alignment alignmentOf(int code) {
+    switch (code) {
+        case 0:
+            return Qt::AlignLeft | Qt::AlignTop;
+        case 1:
+            return Qt::AlignLeft | Qt::AlignVCenter;
+        case 2:
+            return Qt::AlignLeft | Qt::AlignBottom;
+        case 3:
+            return Qt::AlignHCenter | Qt::AlignTop;
+        case 4:
+            return Qt::AlignCenter;
+        case 5:
+            return Qt::AlignHCenter | Qt::AlignBottom;
+        case 6:
+            return Qt::AlignRight | Qt::AlignTop;
+        case 7:
+            return Qt::AlignRight | Qt::AlignVCenter;
+        case 8:
+            return Qt::AlignRight | Qt::AlignBottom;
+        default:
+            return {};
+    }
+}
+
+[[noreturn]] void outOfRange(const QString& what, int value) {
+    throw KavError(
+        KavError::Kind::Usage,
+        u"انديس خارج از محدوده است (Subscript out of range): %1 = %2"_s.arg(what).arg(value));
+}
+
+// A stable merge sort of positions that stays safe with any comparison, even one that is
+// not a strict order (the generic sort's mix of numbers and texts is not transitive).
+template <class Cmp>
+void mergeSort(std::vector<int>& items, Cmp cmp) {
+    std::vector<int> buffer(items.size());
+    for (size_t width = 1; width < items.size(); width *= 2) {
+        for (size_t lo = 0; lo < items.size(); lo += 2 * width) {
+            const size_t mid = std::min(lo + width, items.size());
+            const size_t hi = std::min(lo + 2 * width, items.size());
+            size_t i = lo, j = mid, k = lo;
+            while (i < mid && j < hi)
+                buffer[k++] = cmp(items[j], items[i]) < 0 ? items[j++] : items[i++];
+            while (i < mid) buffer[k++] = items[i++];
+            while (j < hi) buffer[k++] = items[j++];
+        }
+        items.swap(buffer);
+    }
+}
+
+}  // namespace
+
+// The grid's cells: row 0 is the header, rows 1.. are the view's rows 0.. .
+class FlexGridModel : public QAbstractTableModel {
+public:
+    explicit FlexGridModel(QObject* parent) : QAbstractTableModel(parent) {
+        rows_.append(QVector<QString>(cols_));
+        align_.fill(FlexGrid::flexAlignGeneral, cols_);
+        headerAlign_.fill(Qt::AlignLeft | Qt::AlignVCenter, cols_);
+    }
+
+    // The views know of the data rows up to shown_; rows appended since are told to them
+    // in one go when control returns to the event loop (or at flush()), so filling a grid
+    // row by row costs the views one insertion, not one per row.
+    int rowCount(const QModelIndex& parent = {}) const override {
+        return parent.isValid() ? 0 : shown_;
+    }
+    int columnCount(const QModelIndex& parent = {}) const override {
+        return parent.isValid() ? 0 : cols_;
+    }
+
+    QVariant data(const QModelIndex& index, int role) const override {
+        if (!index.isValid()) return {};
+        const QString& text = rows_[index.row() + 1][index.column()];
+        if (role == Qt::DisplayRole || role == Qt::ToolTipRole) return text;
+        if (role == Qt::TextAlignmentRole) {
+            const int code = align_[index.column()];
+            if (code == FlexGrid::flexAlignGeneral)
+                return QVariant::fromValue((vb::IsNumeric(text) ? Qt::AlignRight : Qt::AlignLeft) |
+                                           Qt::AlignVCenter);
+            return QVariant::fromValue(alignmentOf(code));
+        }
+        return {};
+    }
+
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
+        if (orientation != Qt::Horizontal || section < 0 || section >= cols_) return {};
+        if (role == Qt::DisplayRole) return rows_[0][section];
+        if (role == Qt::TextAlignmentRole) return QVariant::fromValue(headerAlign_[section]);
+        return {};
+    }
+
+    Qt::ItemFlags flags(const QModelIndex& index) const override {
+        return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::NoItemFlags;
+    }
+
+    int rows() const { return int(rows_.size()); }
+    int cols() const { return cols_; }
+    const QString& text(int row, int col) const { return rows_[row][col]; }
+
+    void setText(int row, int col, const QString& text) {
+        rows_[row][col] = text;
+        if (row == 0)
+            emit headerDataChanged(Qt::Horizontal, col, col);
+        else
+            markDirty(row - 1, col, row - 1, col);
+    }
+
+    void setRows(int rows) {
+        const int old = int(rows_.size());
+        if (rows == old) return;
+        if (rows > old) {
+            rows_.reserve(rows);
+            const QVector<QString> empty(cols_);
+            for (int r = old; r < rows; ++r) rows_.append(empty);
+            schedule();
+        } else {
+            flush();
+            beginRemoveRows({}, rows - 1, old - 2);
+            rows_.resize(rows);
+            shown_ = rows - 1;
+            endRemoveRows();
+            if (rows_.capacity() > 2 * rows_.size() + 64) rows_.squeeze();
+        }
+    }
+
+    void appendRow(const QStringList& cells) {
+        QVector<QString> row(cols_);
+        for (int c = 0; c < cols_ && c < cells.size(); ++c) row[c] = cells[c];
+        rows_.append(std::move(row));
+        schedule();
+    }
+
+    void setCols(int cols) {
+        const int old = cols_;
+        if (cols == old) return;
+        flush();
+        if (cols > old)
+            beginInsertColumns({}, old, cols - 1);
+        else
+            beginRemoveColumns({}, cols, old - 1);
+        cols_ = cols;
+        for (auto& row : rows_) row.resize(cols);
+        align_.resize(cols, FlexGrid::flexAlignGeneral);
+        headerAlign_.resize(cols, Qt::AlignLeft | Qt::AlignVCenter);
+        if (cols > old)
+            endInsertColumns();
+        else
+            endRemoveColumns();
+    }
+
+    int alignment(int col) const { return align_[col]; }
+    void setAlignment(int col, int code) {
+        align_[col] = code;
+        if (rows_.size() > 1) markDirty(0, col, int(rows_.size()) - 2, col);
+    }
+    void setHeaderAlignment(int col, Qt::Alignment a) {
+        headerAlign_[col] = a;
+        emit headerDataChanged(Qt::Horizontal, col, col);
+    }
+
+    void clearTexts() {
+        for (auto& row : rows_)
+            for (QString& cell : row) cell.clear();
+        emit headerDataChanged(Qt::Horizontal, 0, cols_ - 1);
+        if (rows_.size() > 1) markDirty(0, 0, int(rows_.size()) - 2, cols_ - 1);
+    }
+
+    void sortRows(int col, int code) {
+        flush();
+        const int n = int(rows_.size()) - 1;
+        if (n < 2 || code < 1 || code > 8) return;
+        const bool descending = code % 2 == 0;
+        std::vector<int> order(n);
+        for (int i = 0; i < n; ++i) order[i] = i + 1;
+
+        QCollator collator(QLocale(QLocale::Persian, QLocale::Iran));
+        collator.setCaseSensitivity(code >= 7 ? Qt::CaseSensitive : Qt::CaseInsensitive);
+        auto sign = [descending](int c) { return descending ? -c : c; };
+        auto cmpNumbers = [](double a, double b) { return a < b ? -1 : (a > b ? 1 : 0); };
+
+        if (code == 3 || code == 4) {
+            std::vector<double> key(n + 1);
+            for (int r = 1; r <= n; ++r) key[r] = vb::Val(rows_[r][col]);
+            mergeSort(order, [&](int a, int b) { return sign(cmpNumbers(key[a], key[b])); });
+        } else {
+            std::vector<QCollatorSortKey> key;
+            key.reserve(n + 1);
+            key.push_back(collator.sortKey(QString()));
+            std::vector<char> isNumber(n + 1, 0);
+            std::vector<double> number(n + 1, 0.0);
+            for (int r = 1; r <= n; ++r) {
+                const QString& t = rows_[r][col];
+                key.push_back(collator.sortKey(t));
+                if (code <= 2 && vb::IsNumeric(t)) {
+                    isNumber[r] = 1;
+                    number[r] = vb::Val(t);
+                }
+            }
+            mergeSort(order, [&](int a, int b) {
+                if (isNumber[a] && isNumber[b]) return sign(cmpNumbers(number[a], number[b]));
+                return sign(key[a].compare(key[b]));
+            });
+        }
+
+        emit layoutAboutToBeChanged();
+        QVector<QVector<QString>> sorted;
+        sorted.reserve(rows_.size());
+        sorted.append(std::move(rows_[0]));
+        for (int r : order) sorted.append(std::move(rows_[r]));
+        rows_ = std::move(sorted);
+        emit layoutChanged();
+    }
+
+    // Changed cells are told to the view once, when control returns to the event loop, so
+    // filling a large grid cell by cell costs no painting bookkeeping per cell.
+    void markDirty(int top, int left, int bottom, int right) {
+        if (top >= shown_) return;  // not yet shown: it comes with its insertion
+        if (!dirty_) {
+            dirty_ = true;
+            dirtyTop_ = top, dirtyLeft_ = left, dirtyBottom_ = bottom, dirtyRight_ = right;
+            schedule();
+        } else {
+            dirtyTop_ = qMin(dirtyTop_, top);
+            dirtyLeft_ = qMin(dirtyLeft_, left);
+            dirtyBottom_ = qMax(dirtyBottom_, bottom);
+            dirtyRight_ = qMax(dirtyRight_, right);
+        }
+    }
+
+    void schedule() {
+        if (scheduled_) return;
+        scheduled_ = true;
+        QMetaObject::invokeMethod(
+            this, [this] { flush(); }, Qt::QueuedConnection);
+    }
+
+    // Tells the views of every change so far.
+    void flush() {
+        scheduled_ = false;
+        const int stored = int(rows_.size()) - 1;
+        if (stored > shown_) {
+            beginInsertRows({}, shown_, stored - 1);
+            shown_ = stored;
+            endInsertRows();
+        }
+        if (!dirty_) return;
+        dirty_ = false;
+        const int last = shown_ - 1;
+        if (last < 0) return;
+        emit dataChanged(index(qMin(dirtyTop_, last), qMin(dirtyLeft_, cols_ - 1)),
+                         index(qMin(dirtyBottom_, last), qMin(dirtyRight_, cols_ - 1)));
+    }
+
+private:
+    QVector<QVector<QString>> rows_;
+    int cols_ = 2;
+    QVector<int> align_;
+    QVector<Qt::Alignment> headerAlign_;
+    int shown_ = 0;
+    bool scheduled_ = false;
+    bool dirty_ = false;
+    int dirtyTop_ = 0, dirtyLeft_ = 0, dirtyBottom_ = 0, dirtyRight_ = 0;
+};
+
+FlexGrid::FlexGrid(QWidget* parent) : QWidget(parent) {
+    setLayoutDirection(Qt::RightToLeft);
+    setFont(PersianFont());
+
+    model_ = new FlexGridModel(this);
+    view_ = new QTableView(this);
+    view_->setObjectName(u"view"_s);
+    view_->setModel(model_);
+    view_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    view_->setSelectionMode(QAbstractItemView::ContiguousSelection);
+    view_->setSelectionBehavior(QAbstractItemView::SelectItems);
+    view_->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
+    view_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    view_->setWordWrap(false);
+    view_->setCornerButtonEnabled(false);
+    view_->setTabKeyNavigation(false);
+
+    QHeaderView* vertical = view_->verticalHeader();
+    vertical->hide();
+    vertical->setSectionResizeMode(QHeaderView::Fixed);
+    vertical->setDefaultSectionSize(QFontMetrics(font()).height() + 8);
+    vertical->setMinimumSectionSize(1);
+
+    QHeaderView* header = view_->horizontalHeader();
+    header->setSectionResizeMode(QHeaderView::Interactive);
+    header->setHighlightSections(false);
+    header->setSectionsClickable(false);
+    header->setStretchLastSection(false);
+    header->setMinimumSectionSize(0);
+    header->setDefaultSectionSize(64);
+    header->setFont(PersianFont());
+
+    view_->installEventFilter(this);
+    view_->viewport()->installEventFilter(this);
+    view_->viewport()->setMouseTracking(true);
+    header->viewport()->installEventFilter(this);
+    header->viewport()->setMouseTracking(true);
+
+    colTwips_.fill(-1, model_->cols());
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(view_);
+    setFocusProxy(view_);
+    setFocusPolicy(Qt::StrongFocus);
+
+    connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &FlexGrid::onCurrentChanged);
+}
+
+FlexGrid::~FlexGrid() = default;
+
+int FlexGrid::Rows() const { return model_->rows(); }
+
+void FlexGrid::setRows(int rows) {
+    rows = qMax(1, rows);
+    const bool hadData = model_->rows() > 1;
+    model_->setRows(rows);
+    // A grid that gets its first data rows makes the first of them current.
+    if (!hadData && rows > 1 && row_ == 0) row_ = rowSel_ = 1;
+    clampCurrent();
+}
+
+int FlexGrid::Cols() const { return model_->cols(); }
+
+void FlexGrid::setCols(int cols) {
+    cols = qMax(1, cols);
+    const int old = model_->cols();
+    model_->setCols(cols);
+    colTwips_.resize(cols, -1);
+    for (int c = old; c < cols; ++c) view_->setColumnHidden(c, false);
+    clampCurrent();
+}
+
+void FlexGrid::checkRow(int row) const {
+    if (row < 0 || row >= model_->rows()) outOfRange(u"Row"_s, row);
+}
+
+void FlexGrid::checkCol(int col) const {
+    if (col < 0 || col >= model_->cols()) outOfRange(u"Col"_s, col);
+}
+
+QString FlexGrid::TextMatrix(int row, int col) const {
+    checkRow(row);
+    checkCol(col);
+    return model_->text(row, col);
+}
+
+void FlexGrid::setTextMatrix(int row, int col, const QString& text) {
+    checkRow(row);
+    checkCol(col);
+    model_->setText(row, col, text);
+}
+
+void FlexGrid::setFormatString(const QString& format) {
+    formatString_ = format;
+    const QStringList columns = format.section(u';', 0, 0).split(u'|');
+    setCols(int(columns.size()));
+    const QFontMetrics fm(view_->horizontalHeader()->font());
+    for (int c = 0; c < columns.size(); ++c) {
+        QString text = columns[c];
+        int code = -1;
+        if (text.startsWith(u'<'))
+            code = flexAlignLeftCenter;
+        else if (text.startsWith(u'^'))
+            code = flexAlignCenterCenter;
+        else if (text.startsWith(u'>'))
+            code = flexAlignRightCenter;
+        if (code >= 0) {
+            text.remove(0, 1);
+            model_->setAlignment(c, code);
+        }
+        model_->setHeaderAlignment(
+            c, code >= 0 ? alignmentOf(code) : (Qt::AlignLeft | Qt::AlignVCenter));
+        model_->setText(0, c, text);
+        const int px = fm.horizontalAdvance(text) + 16;
+        colTwips_[c] = twips(px);
+        view_->setColumnHidden(c, false);
+        view_->setColumnWidth(c, px);
+    }
+}
+
+int FlexGrid::pixels(int tw) const {
+    const int dpi = logicalDpiX() > 0 ? logicalDpiX() : 96;
+    return qRound(tw * dpi / 1440.0);
+}
+
+int FlexGrid::twips(int px) const {
+    const int dpi = logicalDpiX() > 0 ? logicalDpiX() : 96;
+    return qRound(px * 1440.0 / dpi);
+}
+
+int FlexGrid::ColWidth(int col) const {
+    checkCol(col);
+    if (view_->isColumnHidden(col)) return 0;
+    if (colTwips_[col] >= 0 && pixels(colTwips_[col]) == view_->columnWidth(col))
+        return colTwips_[col];
+    return twips(view_->columnWidth(col));
+}
+
+void FlexGrid::setColWidth(int col, int tw) {
+    checkCol(col);
+    colTwips_[col] = qMax(0, tw);
+    if (tw <= 0) {
+        view_->setColumnHidden(col, true);
+    } else {
+        view_->setColumnHidden(col, false);
+        view_->setColumnWidth(col, pixels(tw));
+    }
+}
+
+int FlexGrid::ColAlignment(int col) const {
+    checkCol(col);
+    return model_->alignment(col);
+}
+
+void FlexGrid::setColAlignment(int col, int code) {
+    checkCol(col);
+    if (code < 0 || code > flexAlignGeneral) outOfRange(u"ColAlignment"_s, code);
+    model_->setAlignment(col, code);
+}
+
+void FlexGrid::setCurrent(int row, int col, bool keepSelection) {
+    const bool changed = row != row_ || col != col_;
+    row_ = row;
+    col_ = col;
+    if (!keepSelection) {
+        rowSel_ = row;
+        colSel_ = col;
+    }
+    showSelection();
+    if (changed) emit RowColChange();
+}
+
+void FlexGrid::setRow(int row) {
+    checkRow(row);
+    setCurrent(row, col_, false);
+}
+
+void FlexGrid::setCol(int col) {
+    checkCol(col);
+    setCurrent(row_, col, false);
+}
+
+void FlexGrid::setRowSel(int row) {
+    checkRow(row);
+    rowSel_ = row;
+    showSelection();
+}
+
+void FlexGrid::setColSel(int col) {
+    checkCol(col);
+    colSel_ = col;
+    showSelection();
+}
+
+void FlexGrid::clampCurrent() {
+    const int lastRow = model_->rows() - 1, lastCol = model_->cols() - 1;
+    const int r = qMin(row_, lastRow), c = qMin(col_, lastCol);
+    rowSel_ = qMin(rowSel_, lastRow);
+    colSel_ = qMin(colSel_, lastCol);
+    if (r != row_ || c != col_)
+        setCurrent(r, c, true);
+    else
+        showSelection();
+}
+
+void FlexGrid::Refresh() { model_->flush(); }
+
+void FlexGrid::showSelection() {
+    model_->flush();
+    QItemSelectionModel* sm = view_->selectionModel();
+    syncing_ = true;
+    const int top = qMax(1, qMin(row_, rowSel_)), bottom = qMax(row_, rowSel_);
+    const int left = qMin(col_, colSel_), right = qMax(col_, colSel_);
+    if (row_ >= 1)
+        sm->setCurrentIndex(model_->index(row_ - 1, col_), QItemSelectionModel::NoUpdate);
+    else
+        sm->setCurrentIndex(QModelIndex(), QItemSelectionModel::NoUpdate);
+    if (bottom >= 1 && top <= bottom)
+        sm->select(QItemSelection(model_->index(top - 1, left), model_->index(bottom - 1, right)),
+                   QItemSelectionModel::ClearAndSelect);
+    else
+        sm->clearSelection();
+    syncing_ = false;
+}
+
+void FlexGrid::onCurrentChanged() {
+    if (syncing_) return;
+    const QModelIndex current = view_->selectionModel()->currentIndex();
+    if (!current.isValid()) return;
+    const int row = current.row() + 1, col = current.column();
+    const bool extend = dragging_ || (QGuiApplication::keyboardModifiers() & Qt::ShiftModifier);
+    if (extend) {
+        rowSel_ = row;
+        colSel_ = col;
+        return;
+    }
+    const bool changed = row != row_ || col != col_;
+    row_ = rowSel_ = row;
+    col_ = colSel_ = col;
+    if (changed) emit RowColChange();
+}
+
+int FlexGrid::TopRow() const {
+    if (model_->rows() <= 1) return 1;
+    const int r = view_->rowAt(0);
+    return r < 0 ? 1 : r + 1;
+}
+
+void FlexGrid::setTopRow(int row) {
+    checkRow(row);
+    if (row < 1) return;
+    model_->flush();
+    view_->verticalScrollBar()->setValue(row - 1);
+}
+
+void FlexGrid::AddItem(const QString& tabSeparated) {
+    const bool hadData = model_->rows() > 1;
+    model_->appendRow(tabSeparated.isEmpty() ? QStringList() : tabSeparated.split(u'\t'));
+    if (!hadData && row_ == 0) {
+        row_ = rowSel_ = 1;
+        showSelection();
+    }
+}
+
+void FlexGrid::Clear() { model_->clearTexts(); }
+
+void FlexGrid::setRedraw(bool redraw) {
+    redraw_ = redraw;
+    if (redraw) model_->flush();
+    view_->setUpdatesEnabled(redraw);
+    view_->horizontalHeader()->setUpdatesEnabled(redraw);
+}
+
+void FlexGrid::Sort(int code) {
+    if (code == flexSortNone) return;
+    if (code < 0 || code > flexSortStringDescending) outOfRange(u"Sort"_s, code);
+    checkCol(col_);
+    model_->sortRows(col_, code);
+}
+
+void FlexGrid::SetFocus() { view_->setFocus(Qt::OtherFocusReason); }
+
+QSize FlexGrid::sizeHint() const { return {480, 240}; }
+
+void FlexGrid::setMouse(int row, int col) {
+    mouseRow_ = row;
+    mouseCol_ = col;
+}
+
+namespace {
+
+int keyCodeOf(const QKeyEvent* e) {
+    const int k = e->key();
+    if ((k >= Qt::Key_A && k <= Qt::Key_Z) || (k >= Qt::Key_0 && k <= Qt::Key_9)) return k;
+    if (k >= Qt::Key_F1 && k <= Qt::Key_F24) return 112 + (k - Qt::Key_F1);
+    switch (k) {
+        case Qt::Key_Backspace:
+            return 8;
+        case Qt::Key_Tab:
+        case Qt::Key_Backtab:
+            return 9;
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            return 13;
+        case Qt::Key_Shift:
+            return 16;
+        case Qt::Key_Control:
+            return 17;
+        case Qt::Key_Alt:
+            return 18;
+        case Qt::Key_Escape:
+            return 27;
+        case Qt::Key_Space:
+            return 32;
+        case Qt::Key_PageUp:
+            return 33;
+        case Qt::Key_PageDown:
+            return 34;
+        case Qt::Key_End:
+            return 35;
+        case Qt::Key_Home:
+            return 36;
+        case Qt::Key_Left:
+            return 37;
+        case Qt::Key_Up:
+            return 38;
+        case Qt::Key_Right:
+            return 39;
+        case Qt::Key_Down:
+            return 40;
+        case Qt::Key_Insert:
+            return 45;
+        case Qt::Key_Delete:
+            return 46;
+        default:
+            return 0;
+    }
+}
+
+int shiftOf(const QKeyEvent* e) {
+    int shift = 0;
+    if (e->modifiers() & Qt::ShiftModifier) shift |= 1;
+    if (e->modifiers() & Qt::ControlModifier) shift |= 2;
+    if (e->modifiers() & Qt::AltModifier) shift |= 4;
+    return shift;
+}
+
+}  // namespace
+
+bool FlexGrid::eventFilter(QObject* watched, QEvent* event) {
+    QHeaderView* header = view_->horizontalHeader();
+    if (watched == header->viewport()) {
+        // The header row: it reports MouseRow 0 and clicks, and never selects a column.
+        switch (event->type()) {
+            case QEvent::MouseMove:
+            case QEvent::MouseButtonPress:
+            case QEvent::MouseButtonRelease:
+            case QEvent::MouseButtonDblClick: {
+                auto* me = static_cast<QMouseEvent*>(event);
+                setMouse(0, header->logicalIndexAt(me->position().toPoint()));
+                if (event->type() == QEvent::MouseMove) return false;
+                if (event->type() == QEvent::MouseButtonPress) {
+                    headerPressed_ = true;
+                    view_->setFocus(Qt::MouseFocusReason);
+                } else if (event->type() == QEvent::MouseButtonDblClick) {
+                    swallowClick_ = true;
+                    emit DblClick();
+                } else if (headerPressed_) {
+                    headerPressed_ = false;
+                    if (swallowClick_)
+                        swallowClick_ = false;
+                    else
+                        emit Click();
+                }
+                return true;
+            }
+            default:
+                return false;
+        }
+    }
+    if (watched == view_->viewport()) {
+        switch (event->type()) {
+            case QEvent::MouseMove:
+            case QEvent::MouseButtonPress:
+            case QEvent::MouseButtonRelease:
+            case QEvent::MouseButtonDblClick: {
+                auto* me = static_cast<QMouseEvent*>(event);
+                const QPoint p = me->position().toPoint();
+                const int r = view_->rowAt(p.y()), c = view_->columnAt(p.x());
+                setMouse(r < 0 ? -1 : r + 1, c);
+                if (event->type() == QEvent::MouseMove) {
+                    dragging_ = me->buttons() & Qt::LeftButton;
+                } else if (event->type() == QEvent::MouseButtonPress) {
+                    dragging_ = false;
+                } else if (event->type() == QEvent::MouseButtonDblClick) {
+                    swallowClick_ = true;
+                    emit DblClick();
+                } else {
+                    // The view has moved the current cell on the press; the click follows.
+                    dragging_ = false;
+                    if (swallowClick_)
+                        swallowClick_ = false;
+                    else
+                        emit Click();
+                }
+                return false;
+            }
+            default:
+                return false;
+        }
+    }
+    if (watched == view_ && event->type() == QEvent::KeyPress) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        int code = keyCodeOf(key);
+        if (code != 0) {
+            emit KeyDown(code, shiftOf(key));
+            if (code == 0) return true;
+        }
+        int ascii = 0;
+        switch (key->key()) {
+            case Qt::Key_Return:
+            case Qt::Key_Enter:
+                ascii = 13;
+                break;
+            case Qt::Key_Escape:
+                ascii = 27;
+                break;
+            case Qt::Key_Backspace:
+                ascii = 8;
+                break;
+            default:
+                if (key->text().size() == 1 && key->text()[0].isPrint() &&
+                    !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)))
+                    ascii = key->text()[0].unicode();
+        }
+        if (ascii != 0) {
+            emit KeyPress(ascii);
+            if (ascii == 0) return true;
+        }
+        return false;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+}  // namespace kav::controls

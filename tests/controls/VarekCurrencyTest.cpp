@@ -1,0 +1,148 @@
+#include <gtest/gtest.h>
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QVBoxLayout>
+
+#include "QtPrinters.h"
+#include "controls/VarekCurrency.h"
+#include "session/TextProcs.h"
+
+using namespace Qt::StringLiterals;
+using namespace kav::controls;
+
+namespace {
+
+struct AmountWindow {
+    QWidget window;
+    VarekCurrency* amount = new VarekCurrency;
+    QPushButton* other = new QPushButton(u"ديگر"_s);
+    AmountWindow() {
+        auto* layout = new QVBoxLayout(&window);
+        layout->addWidget(amount);
+        layout->addWidget(other);
+        window.show();
+        window.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        amount->SetFocus();
+    }
+    void type(const QString& text) {
+        for (const QChar c : text) {
+            const Qt::Key key =
+                c.unicode() < 128 ? Qt::Key(c.toUpper().unicode()) : Qt::Key_unknown;
+            QTest::sendKeyEvent(QTest::Press, amount->lineEdit(), key, c, Qt::NoModifier);
+            QTest::sendKeyEvent(QTest::Release, amount->lineEdit(), key, c, Qt::NoModifier);
+        }
+    }
+    void key(Qt::Key k) { QTest::keyClick(amount->lineEdit(), k); }
+};
+
+}  // namespace
+
+TEST(VarekCurrency, GroupsTheDisplayAndReadsTheWholeAmount) {
+    VarekCurrency amount;
+    struct Case {
+        QString value, shown;
+    };
+    for (const Case& c : {Case{u"1234567"_s, u"1/234/567"_s}, Case{u"1234"_s, u"1234"_s},
+                          Case{u"12345"_s, u"12/345"_s}, Case{u"1000000"_s, u"1/000/000"_s},
+                          Case{u"333333"_s, u"333/333"_s}, Case{u"12345.5"_s, u"12/345.5"_s},
+                          Case{u"-1234567"_s, u"-1/234/567"_s}}) {
+        amount.setValue(c.value);
+        EXPECT_EQ(amount.Text(), c.shown) << qPrintable(c.value);
+        EXPECT_EQ(amount.Value(), c.value);
+        EXPECT_EQ(kav::AmountValue(amount.Text()), kav::AmountValue(c.value));
+    }
+    amount.setText(u"1/234/567"_s);
+    EXPECT_EQ(amount.Value(), u"1234567"_s);
+    EXPECT_EQ(kav::AmountValue(amount.Text()), 1234567.0);
+    amount.setText(QString());
+    EXPECT_EQ(amount.Text(), QString());
+    EXPECT_EQ(amount.Value(), QString());
+}
+
+TEST(VarekCurrency, TypingRegroupsAndKeepsTheCaretAfterTheSameDigit) {
+    AmountWindow w;
+    w.type(u"1234567"_s);
+    EXPECT_EQ(w.amount->Text(), u"1/234/567"_s);
+    EXPECT_EQ(w.amount->SelStart(), 9);
+
+    // Caret after "1/2": typing 9 puts it after the 9.
+    w.amount->SetSelStart(3);
+    w.type(u"9"_s);
+    EXPECT_EQ(w.amount->Value(), u"12934567"_s);
+    EXPECT_EQ(w.amount->Text(), u"12/934/567"_s);
+    EXPECT_EQ(w.amount->SelStart(), 4);
+
+    // Backspace right after a separator removes the digit before it.
+    w.amount->SetSelStart(3);
+    w.key(Qt::Key_Backspace);
+    EXPECT_EQ(w.amount->Value(), u"1934567"_s);
+    EXPECT_EQ(w.amount->Text(), u"1/934/567"_s);
+    EXPECT_EQ(w.amount->SelStart(), 1);
+
+    w.key(Qt::Key_Delete);
+    EXPECT_EQ(w.amount->Value(), u"134567"_s);
+
+    // A selection is replaced by the typed digit.
+    w.amount->SetSelStart(0);
+    w.amount->SetSelLength(int(w.amount->Text().size()));
+    EXPECT_EQ(w.amount->SelLength(), 7);
+    w.type(u"۵"_s);  // a Persian digit lands as a Latin one
+    EXPECT_EQ(w.amount->Text(), u"5"_s);
+}
+
+TEST(VarekCurrency, KeyPressSeesEveryKeyFirstAndMayCancelIt) {
+    AmountWindow w;
+    QList<int> seen;
+    QObject::connect(w.amount, &VarekCurrency::KeyPress, [&](int& key) {
+        seen.append(key);
+        // The amount filter of the loan editor: digits, the point and backspace only.
+        if (!((key >= '0' && key <= '9') || key == '.' || key == 8)) key = 0;
+    });
+    w.type(u"12a3.5"_s);
+    w.key(Qt::Key_Backspace);
+    w.type(u"۷"_s);
+    EXPECT_EQ(seen, (QList<int>{'1', '2', 'a', '3', '.', '5', 8, '7'}));
+    EXPECT_EQ(w.amount->Value(), u"123.7"_s);
+}
+
+TEST(VarekCurrency, LockedRaisesKeyPressButKeepsItsText) {
+    AmountWindow w;
+    w.amount->setValue(u"5000"_s);
+    w.amount->setLocked(true);
+    int keys = 0, got = 0, lost = 0;
+    QObject::connect(w.amount, &VarekCurrency::KeyPress, [&](int&) { ++keys; });
+    QObject::connect(w.amount, &VarekCurrency::GotFocus, [&] { ++got; });
+    QObject::connect(w.amount, &VarekCurrency::LostFocus, [&] { ++lost; });
+    w.type(u"9"_s);
+    w.key(Qt::Key_Backspace);
+    w.key(Qt::Key_Delete);
+    EXPECT_EQ(keys, 2);
+    EXPECT_EQ(w.amount->Value(), u"5000"_s);
+    w.other->setFocus();
+    w.amount->SetFocus();
+    EXPECT_EQ(lost, 1);
+    EXPECT_EQ(got, 1);
+}
+
+TEST(VarekCurrency, SelectingOnGotFocusSurvivesTheClickThatBroughtTheFocus) {
+    AmountWindow w;
+    w.amount->setValue(u"1234567"_s);
+    w.other->setFocus();
+    QObject::connect(w.amount, &VarekCurrency::GotFocus, [&] {
+        w.amount->SetSelStart(0);
+        w.amount->SetSelLength(int(w.amount->Text().size()));
+    });
+    QTest::mouseClick(w.amount->lineEdit(), Qt::LeftButton, {},
+                      w.amount->lineEdit()->rect().center());
+    EXPECT_TRUE(w.amount->lineEdit()->hasFocus());
+    EXPECT_EQ(w.amount->SelStart(), 0);
+    EXPECT_EQ(w.amount->SelLength(), 9);
+    // The next click places the caret as usual.
+    QTest::mouseClick(w.amount->lineEdit(), Qt::LeftButton, {},
+                      w.amount->lineEdit()->rect().center());
+    EXPECT_EQ(w.amount->SelLength(), 0);
+}

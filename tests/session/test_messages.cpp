@@ -1,9 +1,13 @@
+#include "session/MessageDialogs.h"
 #include "session/Messages.h"
 #include "session/Module.h"
 #include "session/Handler.h"
 #include "session/Errors.h"
 #include "support/ScriptedMessages.h"
 
+#include <QApplication>
+#include <QPushButton>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -75,4 +79,33 @@ TEST(HandlerBoundary, ErrorsAreShownTitledErrorAndNeverEscape) {
     for (const auto& m : script->shown) EXPECT_EQ(m.title, u"خطا"_s);
     EXPECT_EQ(script->shown[0].text, u"سرريز"_s);
     EXPECT_TRUE(script->shown[1].text.contains(u"boom"_s));
+}
+
+TEST(MessageDialogs, TheDialogComponentAnswersFromItsButtons) {
+    for (const bool yes : {true, false}) {
+        DialogMessageComponent component;
+        component.SetFormTitle(u"هشدار"_s);
+        component.SetFormMessage(u"آيا مطمئن هستيد؟"_s);
+        component.SetFormType(1);
+        QTimer::singleShot(0, [yes] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            EXPECT_EQ(dialog->layoutDirection(), Qt::RightToLeft);
+            for (auto* b : dialog->findChildren<QPushButton*>())
+                if (b->text() == (yes ? u"بلي"_s : u"خير"_s)) b->click();
+        });
+        component.ClearShow();
+        EXPECT_EQ(component.Resualt().toInt(), yes ? 1 : 0);
+    }
+}
+
+TEST(MessageDialogs, LocalYesNoDialogSetsDialogAnswer) {
+    Session session;
+    frmYesNo dialog(session);
+    dialog.cmdYes->click();
+    EXPECT_EQ(session.DialogAnswer, 6);
+    dialog.cmdNo->click();
+    EXPECT_EQ(session.DialogAnswer, 7);
+    frmMsg msg;
+    EXPECT_EQ(msg.cmdContinue->text(), u"ادامه"_s);
 }

@@ -33,7 +33,33 @@ QString demoDatabasePath() {
 
 }  // namespace
 
+// Options that show no window work without a display.
+bool headlessRun(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        const QByteArray a(argv[i]);
+        if (a.startsWith("--create-demo-db") || a.startsWith("--screenshots") || a == "--help" ||
+            a == "-h" || a == "-?")
+            return true;
+    }
+    return false;
+}
+
+bool hasDisplay() {
+    return !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||
+           !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
 int main(int argc, char** argv) {
+    if (!hasDisplay()) {
+        if (!headlessRun(argc, argv)) {
+            std::fprintf(stderr,
+                         "kavhrloan: no display to show the loan window on (DISPLAY is not "
+                         "set); --screenshots DIR renders the windows without one.\n");
+            return 2;
+        }
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     QApplication app(argc, argv);
     QApplication::setOrganizationName(u"KAV"_s);
     QApplication::setApplicationName(u"kavhrloan"_s);
@@ -109,12 +135,14 @@ int main(int argc, char** argv) {
         if (parser.isSet(prsEmployee))
             control.setPRSEmployeeID(kav::vb::CLng(parser.value(prsEmployee)));
         if (parser.isSet(caption)) control.setCaption(parser.value(caption));
-        control.WriteProperties(bag);
 
+        // The properties are kept once the module has opened with them.
         if (parser.isSet(bench)) {
             control.setWindowTitle(u"kavHRLoan1"_s);
             control.show();
-            return app.exec();
+            const int rc = app.exec();
+            control.WriteProperties(bag);
+            return rc;
         }
         if (parser.isSet(view)) {
             qint32 id = kav::vb::CLng(parser.value(view));
@@ -122,6 +150,7 @@ int main(int argc, char** argv) {
         } else {
             control.ClearShow();
         }
+        control.WriteProperties(bag);
         return 0;
     } catch (const kav::KavError& e) {
         return fail(e.message());

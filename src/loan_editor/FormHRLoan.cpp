@@ -73,7 +73,13 @@ FormHRLoan::FormHRLoan(Module& module, QWidget* parent) : QDialog(parent), modul
     Form_Load();
 }
 
-FormHRLoan::~FormHRLoan() = default;
+FormHRLoan::~FormHRLoan() {
+    // Closing the window moves the focus; no handler may run on a window being destroyed.
+    Timer1->stop();
+    cmbLoanType->removeEventFilter(this);
+    txtPayBackNumber->removeEventFilter(this);
+    for (QObject* child : findChildren<QObject*>()) QObject::disconnect(child, nullptr, this, nullptr);
+}
 
 void FormHRLoan::buildControls() {
     ApplyPersianStyle(this);

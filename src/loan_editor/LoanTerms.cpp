@@ -160,7 +160,16 @@ TermsUpdate PayBackNumberLeft(const TermsFields& f, vb::Currency payBackNumberAt
     u.rem = vb::CStr(amount - AmountValue(perMonth) * count);
 
     // The first/last-month options only matter when the count does not divide the amount.
-    const qint64 wholeAmount = vb::CLng(AmountCurrency(f.loanValueText.trimmed()).toDouble());
+    // The options test the amount as a 32-bit whole number; a larger amount cannot be
+    // tested and the clerk is told so in plain words.
+    const double amountForOptions = AmountCurrency(f.loanValueText.trimmed()).toDouble();
+    if (std::nearbyint(amountForOptions) > 2147483647.0 ||
+        std::nearbyint(amountForOptions) < -2147483648.0)
+        throw KavError(KavError::Kind::Overflow,
+                       u"مبلغ وام (%1) براي تعيين گزينه هاي پرداخت مانده از 2147483647 بيشتر "
+                       u"است (Overflow)؛ مبلغ قسط را مستقيما وارد کنيد."_s
+                           .arg(vb::CStr(amountForOptions)));
+    const qint64 wholeAmount = vb::CLng(amountForOptions);
     const qint64 wholeCount = vb::CLng(f.payBackNumber.trimmed());
     if (wholeCount == 0)
         throw KavError(

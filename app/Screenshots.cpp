@@ -1,18 +1,18 @@
 #include "Screenshots.h"
 
-#include "controls/ControlGallery.h"
-#include "data/DemoData.h"
-#include "host/kavHRLoan1.h"
-#include "loan_editor/FormHRLoan.h"
-#include "session/MessageDialogs.h"
-#include "session/Module.h"
-
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
+
+#include "controls/ControlGallery.h"
+#include "data/DemoData.h"
+#include "host/kavHRLoan1.h"
+#include "loan_editor/FormHRLoan.h"
+#include "session/MessageDialogs.h"
+#include "session/Module.h"
 
 using namespace Qt::StringLiterals;
 
@@ -89,8 +89,7 @@ int RenderScreenshots(const QString& dir) {
     editor.ViewPRSLoansInfo(demoLoan(file, true));
     photograph(u"editor-view-final"_s);
 
-    auto message = kav::BuildMessageDialog(u"خطا"_s,
-                                           kav::Module::RoleRefusalText(), 0);
+    auto message = kav::BuildMessageDialog(u"خطا"_s, kav::Module::RoleRefusalText(), 0);
     written += save(*message, dir, u"message"_s);
     auto question = kav::BuildMessageDialog(
         u"هشدار"_s, u"اطلاعات ممکن است تغيير کرده باشد، آيا قصد خروج بدون ثبت تغييرات داريد؟"_s, 1);

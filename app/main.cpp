@@ -1,13 +1,6 @@
 // kavhrloan: the host application. It embeds the loan control and opens the module, by
 // default on the embedded demo database as the demo user who holds every permission.
 
-#include "Screenshots.h"
-#include "data/DemoData.h"
-#include "host/PropertyBag.h"
-#include "host/kavHRLoan1.h"
-#include "session/Errors.h"
-#include "session/Vb.h"
-
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
@@ -15,6 +8,13 @@
 #include <QSettings>
 #include <QStandardPaths>
 #include <cstdio>
+
+#include "Screenshots.h"
+#include "data/DemoData.h"
+#include "host/PropertyBag.h"
+#include "host/kavHRLoan1.h"
+#include "session/Errors.h"
+#include "session/Vb.h"
 
 using namespace Qt::StringLiterals;
 
@@ -87,14 +87,12 @@ int main(int argc, char** argv) {
         u"An employee whose loan is to be defined (PRSEmployeeID): a positive id opens the "
         "window in new mode. Not kept between runs."_s,
         u"id"_s);
-    const QCommandLineOption caption(u"caption"_s, u"The module's title (Caption)."_s,
-                                     u"text"_s);
+    const QCommandLineOption caption(u"caption"_s, u"The module's title (Caption)."_s, u"text"_s);
     const QCommandLineOption view(u"view"_s, u"Open the loan with this id read-only (View)."_s,
                                   u"id"_s);
     const QCommandLineOption bench(u"bench"_s, u"Show the control's test bench."_s);
     const QCommandLineOption createDemo(u"create-demo-db"_s,
-                                        u"Create a demo database in FILE and exit."_s,
-                                        u"FILE"_s);
+                                        u"Create a demo database in FILE and exit."_s, u"FILE"_s);
     const QCommandLineOption screenshots(
         u"screenshots"_s, u"Render every window and control to PNG files in DIR and exit."_s,
         u"DIR"_s);
@@ -128,8 +126,10 @@ int main(int argc, char** argv) {
             if (!QFileInfo::exists(file)) kav::data::CreateDemoDatabase(file);
             control.setOLEConnectionstring(kav::data::EmbeddedConnectionString(file));
         }
-        if (parser.isSet(user)) control.setUserID(kav::vb::CInt(parser.value(user)));
-        else if (control.UserID() == 0) control.setUserID(kav::data::DemoUserWithPermissions);
+        if (parser.isSet(user))
+            control.setUserID(kav::vb::CInt(parser.value(user)));
+        else if (control.UserID() == 0)
+            control.setUserID(kav::data::DemoUserWithPermissions);
         if (parser.isSet(position)) control.setPositionID(kav::vb::CInt(parser.value(position)));
         if (parser.isSet(employee)) control.setEmployeeID(kav::vb::CInt(parser.value(employee)));
         if (parser.isSet(prsEmployee))

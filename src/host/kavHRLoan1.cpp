@@ -1,5 +1,13 @@
 #include "host/kavHRLoan1.h"
 
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
 #include "controls/FlexGrid.h"
 #include "host/PropertyBag.h"
 #include "loan_editor/FormHRLoan.h"
@@ -8,14 +16,6 @@
 #include "session/Module.h"
 #include "session/Ui.h"
 #include "session/Vb.h"
-
-#include <QGroupBox>
-#include <QHBoxLayout>
-#include <QLineEdit>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QTreeWidget>
-#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 

@@ -36,9 +36,11 @@ class kavHRLoan1 : public QWidget {
     Q_PROPERTY(QString OLEConnectionstring READ OLEConnectionstring WRITE setOLEConnectionstring
                    NOTIFY propertyChanged)
     Q_PROPERTY(qint16 EmployeeID READ EmployeeID WRITE setEmployeeID NOTIFY propertyChanged)
-    Q_PROPERTY(qint32 PRSEmployeeID READ PRSEmployeeID WRITE setPRSEmployeeID NOTIFY propertyChanged)
+    Q_PROPERTY(
+        qint32 PRSEmployeeID READ PRSEmployeeID WRITE setPRSEmployeeID NOTIFY propertyChanged)
     Q_PROPERTY(QString Caption READ Caption WRITE setCaption NOTIFY propertyChanged)
-    Q_PROPERTY(qint16 ModeWithChilds READ ModeWithChilds WRITE setModeWithChilds NOTIFY propertyChanged)
+    Q_PROPERTY(
+        qint16 ModeWithChilds READ ModeWithChilds WRITE setModeWithChilds NOTIFY propertyChanged)
 
 public:
     // A new instance takes the initial values. The module (session, data environment,

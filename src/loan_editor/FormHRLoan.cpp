@@ -1,5 +1,24 @@
 #include "loan_editor/FormHRLoan.h"
 
+#include <QAction>
+#include <QApplication>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScreen>
+#include <QTimer>
+#include <QVBoxLayout>
+
 #include "controls/FlexGrid.h"
 #include "controls/VarekCurrency.h"
 #include "controls/VarekDate.h"
@@ -11,25 +30,6 @@
 #include "session/Module.h"
 #include "session/Ui.h"
 #include "session/Vb.h"
-
-#include <QAction>
-#include <QApplication>
-#include <QButtonGroup>
-#include <QCheckBox>
-#include <QCloseEvent>
-#include <QComboBox>
-#include <QGridLayout>
-#include <QKeyEvent>
-#include <QGroupBox>
-#include <QHBoxLayout>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QScreen>
-#include <QTimer>
-#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -47,8 +47,10 @@ QString fieldText(const QVariant& v) {
     if (v.isNull()) return QString();
     switch (v.typeId()) {
         case QMetaType::Double:
-        case QMetaType::Float: return vb::CStr(v.toDouble());
-        default: return v.toString();
+        case QMetaType::Float:
+            return vb::CStr(v.toDouble());
+        default:
+            return v.toString();
     }
 }
 
@@ -78,7 +80,8 @@ FormHRLoan::~FormHRLoan() {
     Timer1->stop();
     cmbLoanType->removeEventFilter(this);
     txtPayBackNumber->removeEventFilter(this);
-    for (QObject* child : findChildren<QObject*>()) QObject::disconnect(child, nullptr, this, nullptr);
+    for (QObject* child : findChildren<QObject*>())
+        QObject::disconnect(child, nullptr, this, nullptr);
 }
 
 void FormHRLoan::buildControls() {
@@ -126,8 +129,8 @@ void FormHRLoan::buildControls() {
         named(new QRadioButton(T::OptionFirstMonth, this), u"UseRemainedValueInFirstMonthF"_s);
     UseRemainedValueInFirstMonthL =
         named(new QRadioButton(T::OptionLastMonth, this), u"UseRemainedValueInFirstMonthL"_s);
-    UseRemainedValueInSeparatedLastMonth = named(
-        new QRadioButton(T::OptionSeparateMonth, this), u"UseRemainedValueInSeparatedLastMonth"_s);
+    UseRemainedValueInSeparatedLastMonth = named(new QRadioButton(T::OptionSeparateMonth, this),
+                                                 u"UseRemainedValueInSeparatedLastMonth"_s);
     remainderGroup_ = new QButtonGroup(this);
     remainderGroup_->addButton(UseRemainedValueInFirstMonthF);
     remainderGroup_->addButton(UseRemainedValueInFirstMonthL);
@@ -276,8 +279,7 @@ void FormHRLoan::connectHandlers() {
     connect(datLoanPayDate, &VarekDate::DateChanged, this,
             handler(&FormHRLoan::datLoanPayDate_Change));
     connect(datBeginDate, &VarekDate::GotFocus, this, handler(&FormHRLoan::datBeginDate_GotFocus));
-    connect(datBeginDate, &VarekDate::DateChanged, this,
-            handler(&FormHRLoan::datBeginDate_Change));
+    connect(datBeginDate, &VarekDate::DateChanged, this, handler(&FormHRLoan::datBeginDate_Change));
     connect(datBeginDate, &VarekDate::LostFocus, this,
             handler(&FormHRLoan::datBeginDate_LostFocus));
     connect(datEndDate, &VarekDate::GotFocus, this, handler(&FormHRLoan::datEndDate_GotFocus));
@@ -299,8 +301,10 @@ void FormHRLoan::connectHandlers() {
 void FormHRLoan::forwardMenu(QAction* item, QPushButton* button, void (FormHRLoan::*click)()) {
     connect(item, &QAction::triggered, this, [this, button, click] {
         if (!button->isEnabled()) return;
-        if (click) RunHandler(module_, [&] { (this->*click)(); });
-        else button->click();
+        if (click)
+            RunHandler(module_, [&] { (this->*click)(); });
+        else
+            button->click();
     });
 }
 
@@ -338,17 +342,15 @@ void FormHRLoan::FillLoan(const QString& loanId) {
         txtOriginalValue->setText(fieldText(rs.Fields(u"OriginalLoanValue"_s)));
         txtCode->setText(fieldText(rs.Fields(u"CODE"_s)));
         datLoanPayDate->setFarsidate(fieldText(rs.Fields(u"FarsiPaymentDate"_s)));
-        datBeginDate->setFarsidate(rs.IsNull(u"BeginDate"_s)
-                                       ? QString()
-                                       : fieldText(rs.Fields(u"FarsiBeginDate"_s)));
-        datEndDate->setFarsidate(
-            rs.IsNull(u"EndDate"_s) ? QString() : fieldText(rs.Fields(u"FarsiEndDate"_s)));
+        datBeginDate->setFarsidate(
+            rs.IsNull(u"BeginDate"_s) ? QString() : fieldText(rs.Fields(u"FarsiBeginDate"_s)));
+        datEndDate->setFarsidate(rs.IsNull(u"EndDate"_s) ? QString()
+                                                         : fieldText(rs.Fields(u"FarsiEndDate"_s)));
         txtNotes->setText(fieldText(rs.Fields(u"notes"_s)));
         TxtPerMonth->setText(fieldText(rs.Fields(u"MonthlyValue"_s)));
         txtPayBackNumber->setText(fieldText(rs.Fields(u"PayBackNumber"_s)));
-        txtRem->setText(loan::txtRemOnLoad(rs.Fields(u"LoanValue"_s),
-                                              rs.Fields(u"MonthlyValue"_s),
-                                              rs.Fields(u"PayBackNumber"_s)));
+        txtRem->setText(loan::txtRemOnLoad(rs.Fields(u"LoanValue"_s), rs.Fields(u"MonthlyValue"_s),
+                                           rs.Fields(u"PayBackNumber"_s)));
         setRemainderOption(rs.Fields(u"UseRemainedValueInFirstMonth"_s));
     }
     rs.Close();
@@ -363,10 +365,17 @@ void FormHRLoan::setRemainderOption(const QVariant& value) {
         return;
     }
     switch (value.toInt()) {
-        case 1: UseRemainedValueInFirstMonthF->setChecked(true); break;
-        case 0: UseRemainedValueInFirstMonthL->setChecked(true); break;
-        case 2: UseRemainedValueInSeparatedLastMonth->setChecked(true); break;
-        default: break;
+        case 1:
+            UseRemainedValueInFirstMonthF->setChecked(true);
+            break;
+        case 0:
+            UseRemainedValueInFirstMonthL->setChecked(true);
+            break;
+        case 2:
+            UseRemainedValueInSeparatedLastMonth->setChecked(true);
+            break;
+        default:
+            break;
     }
 }
 
@@ -403,9 +412,9 @@ void FormHRLoan::FillLoanDetail(const QString& loanId) {
         FlexEmployee->setTextMatrix(r, 0, QString::number(r));
         FlexEmployee->setTextMatrix(r, 1, fieldText(rs.Fields(u"EmployeeID"_s)));
         FlexEmployee->setTextMatrix(r, 2, fieldText(rs.Fields(u"Code"_s)));
-        FlexEmployee->setTextMatrix(r, 3,
-                                    fieldText(rs.Fields(u"FirstName"_s)) + u"  "_s +
-                                        fieldText(rs.Fields(u"SureName"_s)));
+        FlexEmployee->setTextMatrix(
+            r, 3,
+            fieldText(rs.Fields(u"FirstName"_s)) + u"  "_s + fieldText(rs.Fields(u"SureName"_s)));
         for (int g = 1; g <= 3; ++g) {
             FlexEmployee->setTextMatrix(r, 3 + g,
                                         fieldText(rs.Fields(u"Supporter"_s + QString::number(g))));
@@ -452,7 +461,8 @@ void FormHRLoan::Clear() {
     txtCode->clear();
     txtNotes->clear();
     txtPayBackNumber->clear();
-    for (VarekCurrency* box : {TxtPerMonth, txtLoanValue, txtOriginalValue, txtMaxLoanValue, txtRem})
+    for (VarekCurrency* box :
+         {TxtPerMonth, txtLoanValue, txtOriginalValue, txtMaxLoanValue, txtRem})
         box->setText(QString());
     cmbLoanType->setCurrentIndex(-1);
     datLoanPayDate->Clear();
@@ -483,8 +493,10 @@ void FormHRLoan::DisableLockComponent() {
             QObject* target = findChild<QObject*>(name);
             if (!target) continue;
             if (rule.kind == loan_modes::Kind::Enable) {
-                if (auto* action = qobject_cast<QAction*>(target)) action->setEnabled(*value);
-                else if (auto* w = qobject_cast<QWidget*>(target)) w->setEnabled(*value);
+                if (auto* action = qobject_cast<QAction*>(target))
+                    action->setEnabled(*value);
+                else if (auto* w = qobject_cast<QWidget*>(target))
+                    w->setEnabled(*value);
             } else if (auto* amount = qobject_cast<VarekCurrency*>(target)) {
                 amount->setLocked(*value);
             } else if (auto* edit = qobject_cast<QLineEdit*>(target)) {
@@ -526,8 +538,8 @@ void FormHRLoan::cmdEdit_Click() {
     const int paid = paidInstalmentCount();
     if (paid > 0) {
         // Editing is refused with the wording of the delete refusal.
-        module_.ShowMessage(T::TroubleTitle, T::PaidRefusalStart + QString::number(paid) +
-                                                 T::PaidRefusalDeleteEnd);
+        module_.ShowMessage(T::TroubleTitle,
+                            T::PaidRefusalStart + QString::number(paid) + T::PaidRefusalDeleteEnd);
         return;
     }
     ShowFormToEdit();
@@ -693,7 +705,9 @@ void FormHRLoan::TxtPerMonth_GotFocus() {
     perMonthAtFocus = loan::PerMonthGotFocus(TxtPerMonth->Value());
 }
 
-void FormHRLoan::TxtPerMonth_KeyPress(int& keyAscii) { keyAscii = loan::PerMonthKeyPress(keyAscii); }
+void FormHRLoan::TxtPerMonth_KeyPress(int& keyAscii) {
+    keyAscii = loan::PerMonthKeyPress(keyAscii);
+}
 
 void FormHRLoan::TxtPerMonth_LostFocus() {
     applyTerms(loan::PerMonthLeft(termsFields(), perMonthAtFocus));
@@ -760,8 +774,10 @@ bool FormHRLoan::eventFilter(QObject* watched, QEvent* event) {
 bool FormHRLoan::Form_Unload() {
     const qint32 mode = module_.session.LoanFormMode;
     QString question;
-    if (mode == ModeView && txtCode->text().isEmpty()) question = T::UnloadTemporaryQuestion;
-    else if (mode == ModeEdit || mode == ModeNew) question = T::UnloadEditQuestion;
+    if (mode == ModeView && txtCode->text().isEmpty())
+        question = T::UnloadTemporaryQuestion;
+    else if (mode == ModeEdit || mode == ModeNew)
+        question = T::UnloadEditQuestion;
     if (question.isEmpty()) return true;
     // Only a "no" keeps the window open; no answer at all lets it close.
     return module_.AskQuestion(WarningTitle(), question) != AnswerNo;
@@ -788,7 +804,8 @@ void FormHRLoan::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (QScreen* s = screen()) {
         const QRect area = s->availableGeometry();
-        move(area.left() + (area.width() - width()) / 2, area.top() + (area.height() - height()) / 2);
+        move(area.left() + (area.width() - width()) / 2,
+             area.top() + (area.height() - height()) / 2);
     }
     unloaded_ = false;
     Timer1->start();

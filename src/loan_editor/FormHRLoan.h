@@ -3,14 +3,14 @@
 // The loan window: one loan viewed, created or edited. Its mode (LoanFormMode: 0 view,
 // 1 edit, 2 new, 3 empty) decides the caption and which controls are enabled.
 
-#include "loan_editor/LoanTerms.h"
-#include "session/Vb.h"
-
 #include <QDate>
 #include <QDialog>
 #include <QString>
 #include <QVariant>
 #include <optional>
+
+#include "loan_editor/LoanTerms.h"
+#include "session/Vb.h"
 
 class QAction;
 class QButtonGroup;

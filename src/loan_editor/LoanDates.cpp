@@ -1,9 +1,8 @@
 #include "loan_editor/LoanDates.h"
 
-#include "loan_editor/LoanEditorTexts.h"
-
 #include <QStringList>
 
+#include "loan_editor/LoanEditorTexts.h"
 #include "session/Errors.h"
 #include "session/TextProcs.h"
 #include "session/Vb.h"

@@ -27,8 +27,10 @@ inline const QString InfoTitle = u"اطلاع"_s;
 inline const QString PaidRefusalStart = u"به دليل محاسبه در فيش هاي حقوقي ("_s;
 inline const QString PaidRefusalDeleteEnd = u" عدد)، امکان حذف وجود ندارد!"_s;
 inline const QString PaidRefusalBackEnd = u" عدد)، امکان بازگشت وجود ندارد!"_s;
-inline const QString UnloadTemporaryQuestion = u"در صورتي که اطلاعات را ثبت قطعي نکنيد، در محاسبات فيش حقوقي لحاظ نخواهد شد، آيا قصد خروج داريد؟"_s;
-inline const QString UnloadEditQuestion = u"اطلاعات ممکن است تغيير کرده باشد، آيا قصد خروج بدون ثبت تغييرات داريد؟"_s;
+inline const QString UnloadTemporaryQuestion =
+    u"در صورتي که اطلاعات را ثبت قطعي نکنيد، در محاسبات فيش حقوقي لحاظ نخواهد شد، آيا قصد خروج داريد؟"_s;
+inline const QString UnloadEditQuestion =
+    u"اطلاعات ممکن است تغيير کرده باشد، آيا قصد خروج بدون ثبت تغييرات داريد؟"_s;
 inline const QString LabelMaxLoanValue = u"سقف وام:"_s;
 inline const QString LabelOriginalValue = u"مبلغ اوليه:"_s;
 inline const QString LabelRequestedValue = u"مانده اول ماه:"_s;
@@ -45,7 +47,8 @@ inline const QString LabelEndDate = u":تاريخ تسويه"_s;
 inline const QString LabelLoanType = u"نوع وام:"_s;
 inline const QString LabelNotes = u"ملاحظات:"_s;
 inline const QString CaptionAddOrdinanceEmployees = u"کارمندان داراي حکم کارگزيني"_s;
-inline const QString MemberGridFormat = u"رديف |^شماره رايانه اي کارمند |^کد   کارمند|^ کارمند   |^ ضامن 1 |^ ضامن 2 |^ ضامن 3|kav1|kav2|kav3"_s;
+inline const QString MemberGridFormat =
+    u"رديف |^شماره رايانه اي کارمند |^کد   کارمند|^ کارمند   |^ ضامن 1 |^ ضامن 2 |^ ضامن 3|kav1|kav2|kav3"_s;
 inline const QString CaptionNew = u"جديد"_s;
 inline const QString CaptionEdit = u"اصلاح"_s;
 inline const QString CaptionDelete = u"حذف"_s;

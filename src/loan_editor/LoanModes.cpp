@@ -17,7 +17,8 @@ const std::vector<Rule>& EditorTable() {
         {{u"cmdEdit"_s, u"mnuEdit"_s}, Kind::Enable, {OnIfTemporary, Off, Off, Off}},
         {{u"cmdDelete"_s, u"mnuDelete"_s}, Kind::Enable, {OnIfTemporary, Off, Off, Off}},
         {{u"cmdRegSave"_s, u"cmdFinSave"_s, u"mnuRegSave"_s, u"mnuFinSave"_s},
-         Kind::Enable, {Off, On, On, Off}},
+         Kind::Enable,
+         {Off, On, On, Off}},
         {{u"cmdCancel"_s, u"mnuCancel"_s}, Kind::Enable, {Off, On, On, Off}},
         {{u"cmdExit"_s, u"mnuExit"_s}, Kind::Enable, {On, Off, Off, On}},
         {{u"cmdSearch"_s}, Kind::Enable, {On, Off, Off, On}},
@@ -29,14 +30,16 @@ const std::vector<Rule>& EditorTable() {
         {{u"cmdDefineAccount"_s}, Kind::Enable, {On, Off, Off, Off}},
         {{u"cmbLoanType"_s}, Kind::Enable, {Off, On, On, Off}},
         {{u"datLoanPayDate"_s, u"datBeginDate"_s, u"datEndDate"_s},
-         Kind::Enable, {Off, On, On, Off}},
+         Kind::Enable,
+         {Off, On, On, Off}},
         // In view mode the amount is locked and the original amount left as it was.
         {{u"txtLoanValue"_s, u"TxtPerMonth"_s}, Kind::Lock, {Locked, Open, Open, Locked}},
         {{u"txtOriginalValue"_s}, Kind::Lock, {Unchanged, Open, Open, Locked}},
         {{u"txtNotes"_s, u"txtPayBackNumber"_s}, Kind::Lock, {Locked, Open, Open, Locked}},
         {{u"UseRemainedValueInFirstMonthF"_s, u"UseRemainedValueInFirstMonthL"_s,
           u"UseRemainedValueInSeparatedLastMonth"_s},
-         Kind::Enable, {Off, On, On, Off}},
+         Kind::Enable,
+         {Off, On, On, Off}},
         {{u"chkISValid"_s}, Kind::Enable, {Off, On, Unchanged, Unchanged}},
     };
     return table;
@@ -44,23 +47,35 @@ const std::vector<Rule>& EditorTable() {
 
 QString EditorTitle(qint32 mode) {
     switch (mode) {
-        case 0: return editor_texts::TitleView;
-        case 1: return editor_texts::TitleEdit;
-        case 2: return editor_texts::TitleNew;
-        case 3: return editor_texts::TitleEmpty;
-        default: return QString();
+        case 0:
+            return editor_texts::TitleView;
+        case 1:
+            return editor_texts::TitleEdit;
+        case 2:
+            return editor_texts::TitleNew;
+        case 3:
+            return editor_texts::TitleEmpty;
+        default:
+            return QString();
     }
 }
 
 std::optional<bool> Resolve(Kind kind, State state, const QString& loanCode) {
     switch (state) {
-        case On: return true;
-        case Off: return false;
-        case OnIfTemporary: return loanCode.isEmpty();
-        case OnIfFinal: return !loanCode.trimmed().isEmpty();
-        case Locked: return kind == Kind::Lock ? std::optional<bool>(true) : std::nullopt;
-        case Open: return kind == Kind::Lock ? std::optional<bool>(false) : std::nullopt;
-        case Unchanged: return std::nullopt;
+        case On:
+            return true;
+        case Off:
+            return false;
+        case OnIfTemporary:
+            return loanCode.isEmpty();
+        case OnIfFinal:
+            return !loanCode.trimmed().isEmpty();
+        case Locked:
+            return kind == Kind::Lock ? std::optional<bool>(true) : std::nullopt;
+        case Open:
+            return kind == Kind::Lock ? std::optional<bool>(false) : std::nullopt;
+        case Unchanged:
+            return std::nullopt;
     }
     return std::nullopt;
 }

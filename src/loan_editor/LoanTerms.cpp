@@ -1,11 +1,10 @@
 #include "loan_editor/LoanTerms.h"
 
-#include "loan_editor/LoanEditorTexts.h"
-#include "session/Messages.h"
-
 #include <cmath>
 
+#include "loan_editor/LoanEditorTexts.h"
 #include "session/Errors.h"
+#include "session/Messages.h"
 #include "session/TextProcs.h"
 
 using namespace Qt::StringLiterals;
@@ -165,10 +164,10 @@ TermsUpdate PayBackNumberLeft(const TermsFields& f, vb::Currency payBackNumberAt
     const double amountForOptions = AmountCurrency(f.loanValueText.trimmed()).toDouble();
     if (std::nearbyint(amountForOptions) > 2147483647.0 ||
         std::nearbyint(amountForOptions) < -2147483648.0)
-        throw KavError(KavError::Kind::Overflow,
-                       u"مبلغ وام (%1) براي تعيين گزينه هاي پرداخت مانده از 2147483647 بيشتر "
-                       u"است (Overflow)؛ مبلغ قسط را مستقيما وارد کنيد."_s
-                           .arg(vb::CStr(amountForOptions)));
+        throw KavError(
+            KavError::Kind::Overflow,
+            u"مبلغ وام (%1) براي تعيين گزينه هاي پرداخت مانده از 2147483647 بيشتر "
+            u"است (Overflow)؛ مبلغ قسط را مستقيما وارد کنيد."_s.arg(vb::CStr(amountForOptions)));
     const qint64 wholeAmount = vb::CLng(amountForOptions);
     const qint64 wholeCount = vb::CLng(f.payBackNumber.trimmed());
     if (wholeCount == 0)

@@ -1,14 +1,14 @@
 #include "session/DataEnvironment.h"
 
-#include "data/Procedures.h"
-#include "session/Errors.h"
-
 #include <QFileInfo>
 #include <QLoggingCategory>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QUuid>
+
+#include "data/Procedures.h"
+#include "session/Errors.h"
 
 using namespace Qt::StringLiterals;
 
@@ -111,8 +111,7 @@ void Connection::Open() {
     if (target.qtDriver == u"QSQLITE") db.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=10000"_s);
     if (!db.open()) {
         const QString text = db.lastError().text().trimmed();
-        throw KavError(KavError::Kind::Connection,
-                       u"اتصال به پايگاه داده برقرار نشد: "_s + text);
+        throw KavError(KavError::Kind::Connection, u"اتصال به پايگاه داده برقرار نشد: "_s + text);
     }
     dialect_ = std::make_unique<data::SqlDialect>(target.kind);
 }
@@ -156,8 +155,8 @@ void Connection::BeginSerialised(const QString& lockName) {
         q.setForwardOnly(true);
         const QString sql =
             u"SET NOCOUNT ON; DECLARE @r int; EXEC @r = sp_getapplock @Resource='%1', "
-            "@LockMode='Exclusive', @LockOwner='Transaction', @LockTimeout=15000; SELECT @r"_s
-                .arg(lockName);
+            "@LockMode='Exclusive', @LockOwner='Transaction', @LockTimeout=15000; SELECT @r"_s.arg(
+                lockName);
         if (!q.exec(sql)) databaseError(sql, q.lastError());
         int result = -999;
         if (q.next()) result = q.value(0).toInt();
@@ -237,18 +236,18 @@ int DataEnvironment::spVarekHasPermission(qint16 userId, qint32 formPermissionId
 int DataEnvironment::spHRLoanExceptionNew(qint32 loanId, qint32 employeeId, double monthlyDebit,
                                           const QDate& beginDate, const QString& farsiBeginDate,
                                           const QDate& endDate, const QString& farsiEndDate) {
-    return CallProcedure(data::LoanExceptionNewProcedure().name,
-                         {loanId, employeeId, monthlyDebit, beginDate, farsiBeginDate, endDate,
-                          farsiEndDate});
+    return CallProcedure(
+        data::LoanExceptionNewProcedure().name,
+        {loanId, employeeId, monthlyDebit, beginDate, farsiBeginDate, endDate, farsiEndDate});
 }
 
 int DataEnvironment::spHRLoanExceptionUpdate(qint32 id, qint32 loanId, qint32 employeeId,
                                              const QDate& beginDate, const QString& farsiBeginDate,
                                              const QDate& endDate, const QString& farsiEndDate,
                                              double monthlyDebit) {
-    return CallProcedure(data::LoanExceptionUpdateProcedure().name,
-                         {id, loanId, employeeId, beginDate, farsiBeginDate, endDate, farsiEndDate,
-                          monthlyDebit});
+    return CallProcedure(
+        data::LoanExceptionUpdateProcedure().name,
+        {id, loanId, employeeId, beginDate, farsiBeginDate, endDate, farsiEndDate, monthlyDebit});
 }
 
 }  // namespace kav

@@ -3,9 +3,6 @@
 // The shared data environment DtEn: one connection cnt through which every query,
 // statement and stored procedure of the module runs, and recordsets used as cursors.
 
-#include "data/ConnectionString.h"
-#include "data/SqlDialect.h"
-
 #include <QHash>
 #include <QSqlDatabase>
 #include <QString>
@@ -13,6 +10,9 @@
 #include <QVariant>
 #include <QVector>
 #include <memory>
+
+#include "data/ConnectionString.h"
+#include "data/SqlDialect.h"
 
 namespace kav {
 
@@ -108,10 +108,9 @@ public:
     int spHRLoanExceptionNew(qint32 loanId, qint32 employeeId, double monthlyDebit,
                              const QDate& beginDate, const QString& farsiBeginDate,
                              const QDate& endDate, const QString& farsiEndDate);
-    int spHRLoanExceptionUpdate(qint32 id, qint32 loanId, qint32 employeeId,
-                                const QDate& beginDate, const QString& farsiBeginDate,
-                                const QDate& endDate, const QString& farsiEndDate,
-                                double monthlyDebit);
+    int spHRLoanExceptionUpdate(qint32 id, qint32 loanId, qint32 employeeId, const QDate& beginDate,
+                                const QString& farsiBeginDate, const QDate& endDate,
+                                const QString& farsiEndDate, double monthlyDebit);
 
     // Runs a procedure by name with its parameters in order (SQL Server: the ODBC call
     // with a return value; SQLite: the emulation on the same tables).

@@ -3,10 +3,10 @@
 // The boundary of every event handler: whatever the handler raises is caught here and
 // shown through ShowMessage titled "خطا"; nothing crosses the event loop.
 
-#include "session/Module.h"
-
 #include <exception>
 #include <utility>
+
+#include "session/Module.h"
 
 namespace kav {
 

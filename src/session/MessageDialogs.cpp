@@ -1,8 +1,5 @@
 #include "session/MessageDialogs.h"
 
-#include "session/Session.h"
-#include "session/Ui.h"
-
 #include <QDialogButtonBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -10,6 +7,9 @@
 #include <QPushButton>
 #include <QStyle>
 #include <QVBoxLayout>
+
+#include "session/Session.h"
+#include "session/Ui.h"
 
 using namespace Qt::StringLiterals;
 

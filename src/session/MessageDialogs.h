@@ -3,10 +3,10 @@
 // The module's own message dialogs: the modal right-to-left dialog behind the message
 // component, and the two small local dialogs frmMsg and frmYesNo.
 
-#include "session/Messages.h"
-
 #include <QDialog>
 #include <memory>
+
+#include "session/Messages.h"
 
 class QLabel;
 class QPushButton;
@@ -17,8 +17,7 @@ struct Session;
 
 // The dialog the message component shows: one button for a message (type 0), yes and no
 // for a question (type 1). Accepted means yes (or acknowledged), rejected means no.
-std::unique_ptr<QDialog> BuildMessageDialog(const QString& title, const QString& text,
-                                            qint16 type);
+std::unique_ptr<QDialog> BuildMessageDialog(const QString& title, const QString& text, qint16 type);
 
 // The message component: a modal right-to-left Qt dialog in a Persian font.
 class DialogMessageComponent : public MessageComponent {

@@ -47,8 +47,10 @@ qint16 AskQuestion(const MessageFactory& factory, const QVariant& title, const Q
         const QVariant r = msg->Resualt();
         bool ok = false;
         const double v = r.toDouble(&ok);
-        if (ok && v == 1) answer = AnswerYes;
-        else if (ok && v == 0) answer = AnswerNo;
+        if (ok && v == 1)
+            answer = AnswerYes;
+        else if (ok && v == 0)
+            answer = AnswerNo;
     });
     ignoringErrors([&] { msg.reset(); });
     return answer;

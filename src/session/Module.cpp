@@ -1,18 +1,17 @@
 #include "session/Module.h"
 
-#include "session/Errors.h"
-#include "session/MessageDialogs.h"
-
 #include <QCalendar>
 #include <QDate>
 #include <QDialog>
+
+#include "session/Errors.h"
+#include "session/MessageDialogs.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kav {
 
-Module::Module()
-    : messages_(DialogMessageFactory()), modal_([](QDialog& d) { return d.exec(); }) {}
+Module::Module() : messages_(DialogMessageFactory()), modal_([](QDialog& d) { return d.exec(); }) {}
 
 Module::~Module() {
     // Windows go first: they may still reach the data environment while closing.

@@ -4,16 +4,16 @@
 // and the single shared instance of each window. Windows reach each other and the session
 // through it; nothing in the module is global.
 
-#include "session/DataEnvironment.h"
-#include "session/Messages.h"
-#include "session/Session.h"
-
 #include <QObject>
 #include <QPointer>
 #include <functional>
 #include <map>
 #include <memory>
 #include <typeindex>
+
+#include "session/DataEnvironment.h"
+#include "session/Messages.h"
+#include "session/Session.h"
 
 class QDialog;
 

@@ -8,8 +8,10 @@ QString SqlQuote(const QString& text) {
     QString out;
     out.reserve(text.size());
     for (const QChar c : text) {
-        if (c == u'\'') out += u"''"_s;
-        else out += c;
+        if (c == u'\'')
+            out += u"''"_s;
+        else
+            out += c;
     }
     return out;
 }

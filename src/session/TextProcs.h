@@ -2,10 +2,10 @@
 
 // The shared text and number procedures every window uses.
 
-#include "session/Vb.h"
-
 #include <QString>
 #include <QVariant>
+
+#include "session/Vb.h"
 
 namespace kav {
 

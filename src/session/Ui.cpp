@@ -10,8 +10,8 @@ namespace kav {
 QFont PersianFont(int pointSize) {
     static const QString family = [] {
         const QStringList families = QFontDatabase::families();
-        for (const QString& f : {u"Noto Naskh Arabic"_s, u"Noto Sans Arabic"_s, u"Nazli"_s,
-                                 u"Homa"_s})
+        for (const QString& f :
+             {u"Noto Naskh Arabic"_s, u"Noto Sans Arabic"_s, u"Nazli"_s, u"Homa"_s})
             if (families.contains(f)) return f;
         return QString();
     }();

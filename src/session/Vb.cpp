@@ -1,11 +1,10 @@
 #include "session/Vb.h"
 
-#include "session/Errors.h"
-
 #include <QRegularExpression>
-
 #include <cmath>
 #include <limits>
+
+#include "session/Errors.h"
 
 using namespace Qt::StringLiterals;
 
@@ -30,8 +29,8 @@ double roundHalfEven(double value) { return std::nearbyint(value); }
 qsizetype scanNumber(const QString& text, qsizetype pos, QString* out) {
     const qsizetype n = text.size();
     auto skipBlanks = [&](qsizetype& i) {
-        while (i < n && (text[i] == u' ' || text[i] == u'\t' || text[i] == u'\n' ||
-                         text[i] == u'\r'))
+        while (i < n &&
+               (text[i] == u' ' || text[i] == u'\t' || text[i] == u'\n' || text[i] == u'\r'))
             ++i;
     };
     qsizetype i = pos;
@@ -153,8 +152,10 @@ QString CStr(double value) {
 QString Str(double value) {
     QString s = CStr(value);
     // Str drops the zero before the point: 0.5 -> " .5", -0.5 -> "-.5".
-    if (s.startsWith(u"0.")) s.remove(0, 1);
-    else if (s.startsWith(u"-0.")) s.remove(1, 1);
+    if (s.startsWith(u"0."))
+        s.remove(0, 1);
+    else if (s.startsWith(u"-0."))
+        s.remove(1, 1);
     return value >= 0 ? u' ' + s : s;
 }
 
@@ -168,8 +169,7 @@ Currency Currency::fromDouble(double value) {
 
 QString Currency::toString() const {
     const bool negative = raw_ < 0;
-    const quint64 magnitude =
-        negative ? quint64(0) - quint64(raw_) : quint64(raw_);
+    const quint64 magnitude = negative ? quint64(0) - quint64(raw_) : quint64(raw_);
     QString whole = QString::number(magnitude / Scale);
     quint64 frac = magnitude % Scale;
     QString text = whole;

@@ -1,9 +1,3 @@
-#include "controls/FlexGrid.h"
-#include "host/PropertyBag.h"
-#include "host/kavHRLoan1.h"
-#include "loan_editor/FormHRLoan.h"
-#include "../loan_editor/EditorFixture.h"
-
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSettings>
@@ -11,6 +5,12 @@
 #include <QTemporaryDir>
 #include <QTreeWidget>
 #include <map>
+
+#include "../loan_editor/EditorFixture.h"
+#include "controls/FlexGrid.h"
+#include "host/PropertyBag.h"
+#include "host/kavHRLoan1.h"
+#include "loan_editor/FormHRLoan.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
@@ -28,8 +28,10 @@ public:
     }
     void WriteProperty(const QString& name, const QVariant& value, const QVariant& def) override {
         writes << name;
-        if (value.toString() == def.toString()) stored.erase(name);
-        else stored[name] = value;
+        if (value.toString() == def.toString())
+            stored.erase(name);
+        else
+            stored[name] = value;
     }
     std::map<QString, QVariant> stored;
     QStringList reads, writes;
@@ -74,9 +76,9 @@ TEST(HostProperties, InitialValuesAndChangeNotifications) {
     c.setModeWithChilds(1);
     QStringList names;
     for (const auto& args : spy) names << args.at(0).toString();
-    EXPECT_EQ(names, (QStringList{u"UserID"_s, u"PositionID"_s, u"OLEConnectionstring"_s,
-                                  u"EmployeeID"_s, u"PRSEmployeeID"_s, u"Caption"_s,
-                                  u"ModeWithChilds"_s}));
+    EXPECT_EQ(names,
+              (QStringList{u"UserID"_s, u"PositionID"_s, u"OLEConnectionstring"_s, u"EmployeeID"_s,
+                           u"PRSEmployeeID"_s, u"Caption"_s, u"ModeWithChilds"_s}));
 }
 
 TEST(HostProperties, BagRoundTripInOrderWithoutDefaultsOrPRSEmployee) {
@@ -126,8 +128,8 @@ TEST(HostProperties, BagRoundTripInOrderWithoutDefaultsOrPRSEmployee) {
 }
 
 TEST_F(HostTest, ClearShowModeFollowsPRSEmployee) {
-    for (const auto& [prs, mode] : std::vector<std::pair<qint32, qint32>>{
-             {0, ModeEmpty}, {-4, ModeEmpty}, {17, ModeNew}}) {
+    for (const auto& [prs, mode] :
+         std::vector<std::pair<qint32, qint32>>{{0, ModeEmpty}, {-4, ModeEmpty}, {17, ModeNew}}) {
         host->setPRSEmployeeID(prs);
         host->ClearShow();
         EXPECT_EQ(modeWhenShown, mode) << prs;

@@ -2,10 +2,10 @@
 
 // A loan window on a fresh database with a few loans of every kind.
 
+#include <gtest/gtest.h>
+
 #include "loan_editor/FormHRLoan.h"
 #include "support/TestDatabase.h"
-
-#include <gtest/gtest.h>
 
 namespace kav::test {
 

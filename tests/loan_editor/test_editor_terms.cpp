@@ -1,16 +1,16 @@
 // The loan window's terms and dates as a clerk drives them: handlers wired to the
 // controls, database reads for the ceiling, messages shown instead of errors thrown.
 
-#include "EditorFixture.h"
-#include "controls/VarekCurrency.h"
-#include "controls/VarekDate.h"
-
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
+
+#include "EditorFixture.h"
+#include "controls/VarekCurrency.h"
+#include "controls/VarekDate.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;

@@ -1,9 +1,3 @@
-#include "EditorFixture.h"
-#include "controls/FlexGrid.h"
-#include "controls/VarekCurrency.h"
-#include "controls/VarekDate.h"
-#include "loan_editor/LoanEditorTexts.h"
-
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
@@ -11,6 +5,12 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+
+#include "EditorFixture.h"
+#include "controls/FlexGrid.h"
+#include "controls/VarekCurrency.h"
+#include "controls/VarekDate.h"
+#include "loan_editor/LoanEditorTexts.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
@@ -43,18 +43,28 @@ void setMode(FormHRLoan& w, Session& s, qint32 mode) {
 TEST_F(EditorTest, ModeTableForTemporaryAndFinalLoans) {
     // "on" per mode for a temporary loan; final loans differ only where noted below.
     const Expect temporary[] = {
-        {"cmdNew", true, false, false, true},        {"mnuNew", true, false, false, true},
-        {"cmdEdit", true, false, false, false},      {"mnuEdit", true, false, false, false},
-        {"cmdDelete", true, false, false, false},    {"mnuDelete", true, false, false, false},
-        {"cmdRegSave", false, true, true, false},    {"mnuFinSave", false, true, true, false},
-        {"cmdCancel", false, true, true, false},     {"mnuCancel", false, true, true, false},
-        {"cmdExit", true, false, false, true},       {"mnuExit", true, false, false, true},
-        {"cmdSearch", true, false, false, true},     {"mnusearch", true, true, false, true},
-        {"cmdBacktoTemp", false, false, false, false}, {"cmdBalance", true, false, false, false},
-        {"cmdAddEmp", false, true, false, false},    {"cmdDeleteEmp", false, false, false, false},
+        {"cmdNew", true, false, false, true},
+        {"mnuNew", true, false, false, true},
+        {"cmdEdit", true, false, false, false},
+        {"mnuEdit", true, false, false, false},
+        {"cmdDelete", true, false, false, false},
+        {"mnuDelete", true, false, false, false},
+        {"cmdRegSave", false, true, true, false},
+        {"mnuFinSave", false, true, true, false},
+        {"cmdCancel", false, true, true, false},
+        {"mnuCancel", false, true, true, false},
+        {"cmdExit", true, false, false, true},
+        {"mnuExit", true, false, false, true},
+        {"cmdSearch", true, false, false, true},
+        {"mnusearch", true, true, false, true},
+        {"cmdBacktoTemp", false, false, false, false},
+        {"cmdBalance", true, false, false, false},
+        {"cmdAddEmp", false, true, false, false},
+        {"cmdDeleteEmp", false, false, false, false},
         {"cmdAddOrdinanceEmployees", false, true, false, false},
         {"cmdDefineAccount", true, false, false, false},
-        {"cmbLoanType", false, true, true, false},   {"datBeginDate", false, true, true, false},
+        {"cmbLoanType", false, true, true, false},
+        {"datBeginDate", false, true, true, false},
         {"UseRemainedValueInSeparatedLastMonth", false, true, true, false},
     };
     auto& w = editor();
@@ -208,8 +218,8 @@ TEST_F(EditorTest, DefaultPaymentDateIsTodayWithoutTheParameter) {
     const QCalendar jalali(QCalendar::System::Jalali);
     const auto today = jalali.partsFromDate(QDate::currentDate());
     EXPECT_EQ(editor().DefaultPayDate(), u"%1/%2/%3"_s.arg(today.year)
-                                              .arg(today.month, 2, 10, QChar(u'0'))
-                                              .arg(today.day, 2, 10, QChar(u'0')));
+                                             .arg(today.month, 2, 10, QChar(u'0'))
+                                             .arg(today.day, 2, 10, QChar(u'0')));
 }
 
 TEST_F(EditorTest, NewAndEditNeedTheirPermissions) {

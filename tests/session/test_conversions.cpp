@@ -1,8 +1,8 @@
+#include <gtest/gtest.h>
+
 #include "session/Errors.h"
 #include "session/TextProcs.h"
 #include "session/Vb.h"
-
-#include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 using namespace kav;
@@ -63,7 +63,7 @@ TEST(Conversions, IntGoesTowardsMinusInfinityAndStrPutsABlank) {
 
 TEST(Conversions, CurrencyKeepsFourDecimalsExactly) {
     EXPECT_EQ(CCur(u"1234567890123.4567"_s).toString(), u"1234567890123.4567"_s);
-    EXPECT_EQ(CCur(u"0.00005"_s).raw(), 0);   // half to even
+    EXPECT_EQ(CCur(u"0.00005"_s).raw(), 0);  // half to even
     EXPECT_EQ(CCur(u"0.00015"_s).raw(), 2);
     EXPECT_EQ(CCur(u"-12.5"_s).toString(), u"-12.5"_s);
     EXPECT_EQ(CCur(1.0 / 3.0).toString(), u"0.3333"_s);

@@ -1,13 +1,14 @@
+#include <gtest/gtest.h>
+
+#include <QCalendar>
+#include <QDate>
+#include <QFile>
+
 #include "data/DemoData.h"
 #include "session/DataEnvironment.h"
 #include "session/Errors.h"
 #include "session/Module.h"
 #include "support/TestDatabase.h"
-
-#include <QCalendar>
-#include <QDate>
-#include <QFile>
-#include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 using namespace kav;

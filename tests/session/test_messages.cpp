@@ -1,14 +1,15 @@
-#include "session/MessageDialogs.h"
-#include "session/Messages.h"
-#include "session/Module.h"
-#include "session/Handler.h"
-#include "session/Errors.h"
-#include "support/ScriptedMessages.h"
+#include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QPushButton>
 #include <QTimer>
-#include <gtest/gtest.h>
+
+#include "session/Errors.h"
+#include "session/Handler.h"
+#include "session/MessageDialogs.h"
+#include "session/Messages.h"
+#include "session/Module.h"
+#include "support/ScriptedMessages.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
@@ -69,9 +70,7 @@ TEST(HandlerBoundary, ErrorsAreShownTitledErrorAndNeverEscape) {
     Module module;
     auto script = std::make_shared<test::MessageScript>();
     module.SetMessageFactory(test::ScriptedFactory(script));
-    EXPECT_FALSE(RunHandler(module, [] {
-        throw KavError(KavError::Kind::Overflow, u"سرريز"_s);
-    }));
+    EXPECT_FALSE(RunHandler(module, [] { throw KavError(KavError::Kind::Overflow, u"سرريز"_s); }));
     EXPECT_FALSE(RunHandler(module, [] { throw std::logic_error("boom"); }));
     EXPECT_FALSE(RunHandler(module, [] { throw 42; }));
     EXPECT_TRUE(RunHandler(module, [] {}));

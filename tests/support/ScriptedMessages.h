@@ -3,14 +3,14 @@
 // A message component for tests: records every message and question shown and answers
 // questions from a script.
 
-#include "session/Messages.h"
-
 #include <QList>
 #include <QString>
 #include <QVariant>
 #include <deque>
 #include <memory>
 #include <stdexcept>
+
+#include "session/Messages.h"
 
 namespace kav::test {
 
@@ -41,7 +41,8 @@ struct MessageScript {
 
 class ScriptedComponent : public MessageComponent {
 public:
-    explicit ScriptedComponent(std::shared_ptr<MessageScript> script) : script_(std::move(script)) {}
+    explicit ScriptedComponent(std::shared_ptr<MessageScript> script)
+        : script_(std::move(script)) {}
     void SetFormTitle(const QVariant& title) override { current_.title = title.toString(); }
     void SetFormMessage(const QString& message) override { current_.text = message; }
     void SetFormType(qint16 type) override { current_.type = type; }

@@ -1,14 +1,14 @@
 #include "TestDatabase.h"
 
-#include "data/DemoData.h"
-#include "data/EmbeddedSchema.h"
-#include "session/Errors.h"
-
 #include <QDialog>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QUuid>
+
+#include "data/DemoData.h"
+#include "data/EmbeddedSchema.h"
+#include "session/Errors.h"
 
 using namespace Qt::StringLiterals;
 

@@ -3,11 +3,11 @@
 // A fresh embedded database for one test: a temporary file with the loan schema, and a
 // module whose session points at it with a scripted message component.
 
-#include "ScriptedMessages.h"
-#include "session/Module.h"
-
 #include <QTemporaryDir>
 #include <memory>
+
+#include "ScriptedMessages.h"
+#include "session/Module.h"
 
 namespace kav::test {
 

@@ -4,6 +4,7 @@
 
 #include "loan_editor/LoanDates.h"
 #include "session/Errors.h"
+#include "support/Raises.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
@@ -12,17 +13,6 @@ using namespace kav::loan;
 namespace {
 
 const QString FaultTitle = u"اشکال"_s;
-
-template <class F>
-KavError::Kind raisedBy(F&& f) {
-    try {
-        f();
-    } catch (const KavError& e) {
-        return e.kind();
-    }
-    ADD_FAILURE() << "no error raised";
-    return KavError::Kind::Usage;
-}
 
 DateFields dates(const QString& pay, const QString& begin, const QString& end,
                  const QString& count = {}) {
@@ -77,11 +67,11 @@ TEST(SettlementDate, RoundsTheCountByCaller) {
     EXPECT_EQ(RoundCount(u"2.5"_s, CountWidth::Int16), 2);
     EXPECT_EQ(RoundCount(u"3.5"_s, CountWidth::Int16), 4);
     EXPECT_EQ(RoundCount(u"32768"_s, CountWidth::Int32), 32768);
-    EXPECT_EQ(raisedBy([] { RoundCount(u"32768"_s, CountWidth::Int16); }),
+    EXPECT_EQ(test::RaisedKind([] { RoundCount(u"32768"_s, CountWidth::Int16); }),
               KavError::Kind::Overflow);
-    EXPECT_EQ(raisedBy([] { RoundCount(u"abc"_s, CountWidth::Int32); }),
+    EXPECT_EQ(test::RaisedKind([] { RoundCount(u"abc"_s, CountWidth::Int32); }),
               KavError::Kind::TypeMismatch);
-    EXPECT_EQ(raisedBy([] { EndDateText(40000, 1403, 1, 1); }), KavError::Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([] { EndDateText(40000, 1403, 1, 1); }), KavError::Kind::Overflow);
     EXPECT_EQ(EndDateFromCount(u"12"_s, CountWidth::Int32, u"1403/02/15"_s), u" 1404/ 1/ 31"_s);
 }
 
@@ -118,7 +108,8 @@ TEST(DateOrder, FirstInstalmentWarnsAndStopsOrDerivesTheSettlement) {
     const QDate at(2024, 8, 1);
     const DateFields f = dates(QString(), u"1403/01/10"_s, QString(), u"40000"_s);
     EXPECT_FALSE(BeginDateLeft(at, at, f));
-    EXPECT_EQ(raisedBy([&] { BeginDateLeft(at.addDays(1), at, f); }), KavError::Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([&] { BeginDateLeft(at.addDays(1), at, f); }),
+              KavError::Kind::Overflow);
 }
 
 TEST(DateOrder, SettlementIsReplacedByTheDerivedDate) {

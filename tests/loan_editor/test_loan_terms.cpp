@@ -2,6 +2,7 @@
 
 #include "loan_editor/LoanTerms.h"
 #include "session/Errors.h"
+#include "support/Raises.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
@@ -35,16 +36,6 @@ TermsFields withPerMonth(const QString& amount, const QString& perMonth) {
 // Leaving the count after entering the box empty.
 TermsUpdate leaveCount(const TermsFields& f) {
     return PayBackNumberLeft(f, PayBackNumberGotFocus({}));
-}
-
-KavError::Kind raised(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const KavError& e) {
-        return e.kind();
-    }
-    ADD_FAILURE() << "no error raised";
-    return KavError::Kind::Usage;
 }
 
 }  // namespace
@@ -92,18 +83,19 @@ TEST(LeavingCount, AnUnchangedNumberRecomputesNothing) {
 
 TEST(LeavingCount, UnguardedInputRaisesInsteadOfFailing) {
     // Reads as 0.4 but rounds to 0 in the modulo.
-    EXPECT_EQ(raised([] { leaveCount(withCount(u"1000"_s, u"0.4"_s)); }),
+    EXPECT_EQ(test::RaisedKind([] { leaveCount(withCount(u"1000"_s, u"0.4"_s)); }),
               KavError::Kind::DivisionByZero);
     // The settlement date rounds the count to 16 bits.
-    EXPECT_EQ(raised([] { leaveCount(withCount(u"1000"_s, u"40000"_s, u"1403/01/10"_s)); }),
-              KavError::Kind::Overflow);
+    EXPECT_EQ(
+        test::RaisedKind([] { leaveCount(withCount(u"1000"_s, u"40000"_s, u"1403/01/10"_s)); }),
+        KavError::Kind::Overflow);
     EXPECT_EQ(leaveCount(withCount(u"1000"_s, u"40000"_s)).perMonth, u"0"_s);
-    EXPECT_EQ(raised([] { leaveCount(withCount(u"1000"_s, u"12abc"_s)); }),
+    EXPECT_EQ(test::RaisedKind([] { leaveCount(withCount(u"1000"_s, u"12abc"_s)); }),
               KavError::Kind::TypeMismatch);
-    EXPECT_EQ(raised([] { leaveCount(withCount(u"1000"_s, u"3x"_s, u"1403/01/10"_s)); }),
+    EXPECT_EQ(test::RaisedKind([] { leaveCount(withCount(u"1000"_s, u"3x"_s, u"1403/01/10"_s)); }),
               KavError::Kind::TypeMismatch);
     // The amount is rounded to a 32-bit number for the modulo.
-    EXPECT_EQ(raised([] { leaveCount(withCount(u"3000000000"_s, u"3"_s)); }),
+    EXPECT_EQ(test::RaisedKind([] { leaveCount(withCount(u"3000000000"_s, u"3"_s)); }),
               KavError::Kind::Overflow);
 }
 
@@ -135,7 +127,8 @@ TEST(LeavingAmount, WarnsAboveTheCeilingOnly) {
     EXPECT_EQ(CeilingWarning(u"1000001"_s, u"1000000.0000"_s), (Message{WarningTitle, above}));
     EXPECT_EQ(CeilingWarning(u"1000001"_s, qlonglong(1000000)), (Message{WarningTitle, above}));
     EXPECT_FALSE(CeilingWarning(u"999999999"_s, QVariant()));
-    EXPECT_EQ(raised([] { CeilingWarning(u"1"_s, u"abc"_s); }), KavError::Kind::TypeMismatch);
+    EXPECT_EQ(test::RaisedKind([] { CeilingWarning(u"1"_s, u"abc"_s); }),
+              KavError::Kind::TypeMismatch);
     EXPECT_EQ(CeilingText(QVariant()), QString());
     EXPECT_EQ(CeilingText(2500000.5), u"2500000.5"_s);
 }
@@ -182,5 +175,6 @@ TEST(LoadedRemainder, NeedsAllThreeValues) {
     EXPECT_EQ(txtRemOnLoad(1000000.0, 333333.0, 3), u"1"_s);
     EXPECT_EQ(txtRemOnLoad(1000.0, 300.0, QVariant()), QString());
     EXPECT_EQ(txtRemOnLoad(QVariant(), 300.0, 3), QString());
-    EXPECT_EQ(raised([] { txtRemOnLoad(u"x"_s, 300.0, 3); }), KavError::Kind::TypeMismatch);
+    EXPECT_EQ(test::RaisedKind([] { txtRemOnLoad(u"x"_s, 300.0, 3); }),
+              KavError::Kind::TypeMismatch);
 }

@@ -3,25 +3,11 @@
 #include "session/Errors.h"
 #include "session/TextProcs.h"
 #include "session/Vb.h"
+#include "support/Raises.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
 using namespace kav::vb;
-
-namespace {
-
-template <class F>
-KavError::Kind errorKind(F&& f) {
-    try {
-        f();
-    } catch (const KavError& e) {
-        return e.kind();
-    }
-    ADD_FAILURE() << "no error raised";
-    return KavError::Kind::Usage;
-}
-
-}  // namespace
 
 TEST(Conversions, ValReadsTheLeadingNumber) {
     EXPECT_EQ(Val(u"12abc"_s), 12);
@@ -41,13 +27,13 @@ TEST(Conversions, WholeNumbersRoundHalfToEvenAndOverflow) {
     EXPECT_EQ(CInt(2.500001), 3);
     EXPECT_EQ(CInt(32767.4), 32767);
     EXPECT_EQ(CInt(-32768.0), -32768);
-    EXPECT_EQ(errorKind([] { CInt(32767.5); }), KavError::Kind::Overflow);
-    EXPECT_EQ(errorKind([] { CInt(-32769.0); }), KavError::Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([] { CInt(32767.5); }), KavError::Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([] { CInt(-32769.0); }), KavError::Kind::Overflow);
     EXPECT_EQ(CLng(2147483647.0), 2147483647);
-    EXPECT_EQ(errorKind([] { CLng(2147483648.0); }), KavError::Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([] { CLng(2147483648.0); }), KavError::Kind::Overflow);
     EXPECT_EQ(CInt(u" 12 "_s), 12);
-    EXPECT_EQ(errorKind([] { CInt(u"12a"_s); }), KavError::Kind::TypeMismatch);
-    EXPECT_EQ(errorKind([] { CLng(QString()); }), KavError::Kind::TypeMismatch);
+    EXPECT_EQ(test::RaisedKind([] { CInt(u"12a"_s); }), KavError::Kind::TypeMismatch);
+    EXPECT_EQ(test::RaisedKind([] { CLng(QString()); }), KavError::Kind::TypeMismatch);
 }
 
 TEST(Conversions, IntGoesTowardsMinusInfinityAndStrPutsABlank) {
@@ -67,9 +53,9 @@ TEST(Conversions, CurrencyKeepsFourDecimalsExactly) {
     EXPECT_EQ(CCur(u"0.00015"_s).raw(), 2);
     EXPECT_EQ(CCur(u"-12.5"_s).toString(), u"-12.5"_s);
     EXPECT_EQ(CCur(1.0 / 3.0).toString(), u"0.3333"_s);
-    EXPECT_EQ(errorKind([] { CCur(u"12/345"_s); }), KavError::Kind::TypeMismatch);
-    EXPECT_EQ(errorKind([] { CCur(u"abc"_s); }), KavError::Kind::TypeMismatch);
-    EXPECT_EQ(errorKind([] { CCur(1e300); }), KavError::Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([] { CCur(u"12/345"_s); }), KavError::Kind::TypeMismatch);
+    EXPECT_EQ(test::RaisedKind([] { CCur(u"abc"_s); }), KavError::Kind::TypeMismatch);
+    EXPECT_EQ(test::RaisedKind([] { CCur(1e300); }), KavError::Kind::Overflow);
     EXPECT_LT(CCur(u"999"_s), CCur(u"1000"_s));
     EXPECT_EQ(CCur(u"1000"_s), CCur(1000.0));
 }
@@ -106,5 +92,5 @@ TEST(TextProcedures, AmountsReadTheSameGroupedOrPlain) {
     EXPECT_EQ(AmountValue(u"1/234/567"_s), 1234567);
     EXPECT_EQ(AmountValue(u"1234567"_s), 1234567);
     EXPECT_EQ(AmountCurrency(u"12/345/678/901"_s), CCur(u"12345678901"_s));
-    EXPECT_EQ(errorKind([] { AmountCurrency(u"x"_s); }), KavError::Kind::TypeMismatch);
+    EXPECT_EQ(test::RaisedKind([] { AmountCurrency(u"x"_s); }), KavError::Kind::TypeMismatch);
 }

@@ -3,6 +3,8 @@
 #include <QDateTime>
 
 #include "DataTestSupport.h"
+
+#include <QSqlError>
 #include "data/Procedures.h"
 #include "data/SqlDialect.h"
 #include "session/Errors.h"

@@ -1,14 +1,14 @@
 #include "TestDatabase.h"
 
-#include <QDialog>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
-#include <QUuid>
-
 #include "data/DemoData.h"
 #include "data/EmbeddedSchema.h"
-#include "session/Errors.h"
+
+#include <QDialog>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QUuid>
+#include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 
@@ -16,49 +16,63 @@ namespace kav::test {
 
 namespace {
 
-template <class F>
-void withDatabase(const QString& file, F&& f) {
-    const QString name = u"test-"_s + QUuid::createUuid().toString(QUuid::WithoutBraces);
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
-        db.setDatabaseName(file);
-        if (!db.open()) throw std::runtime_error(db.lastError().text().toStdString());
-        f(db);
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(name);
+void reportFailure(const QString& sql, const QSqlQuery& q) {
+    ADD_FAILURE() << sql.toStdString() << "\n  -> " << q.lastError().text().toStdString();
 }
 
 }  // namespace
 
-TestDatabase::TestDatabase() {
+TestDatabase::TestDatabase(bool withSchema)
+    : name_(u"test-"_s + QUuid::createUuid().toString(QUuid::WithoutBraces)) {
     file_ = dir_.filePath(u"loans.db"_s);
-    withDatabase(file_, [](QSqlDatabase& db) { data::CreateEmbeddedSchema(db); });
+    db_ = QSqlDatabase::addDatabase(u"QSQLITE"_s, name_);
+    db_.setDatabaseName(file_);
+    if (!db_.open()) ADD_FAILURE() << db_.lastError().text().toStdString();
+    if (withSchema) data::CreateEmbeddedSchema(db_);
+}
+
+TestDatabase::~TestDatabase() {
+    db_.close();
+    db_ = QSqlDatabase();
+    QSqlDatabase::removeDatabase(name_);
 }
 
 QString TestDatabase::connectionString() const { return data::EmbeddedConnectionString(file_); }
 
-void TestDatabase::exec(const QStringList& statements) const {
-    withDatabase(file_, [&](QSqlDatabase& db) {
-        for (const QString& sql : statements) {
-            QSqlQuery q(db);
-            if (!q.exec(sql))
-                throw std::runtime_error((sql + u": "_s + q.lastError().text()).toStdString());
-        }
-    });
+bool TestDatabase::exec(const QString& sql) const {
+    QSqlQuery q(db_);
+    if (q.exec(sql)) return true;
+    reportFailure(sql, q);
+    return false;
 }
 
-void TestDatabase::exec(const QString& sql) const { exec(QStringList{sql}); }
+void TestDatabase::exec(const QStringList& statements) const {
+    for (const QString& sql : statements) exec(sql);
+}
+
+QList<Row> TestDatabase::rows(const QString& sql) const {
+    QList<Row> out;
+    QSqlQuery q(db_);
+    if (!q.exec(sql)) {
+        reportFailure(sql, q);
+        return out;
+    }
+    while (q.next()) {
+        Row r;
+        const QSqlRecord rec = q.record();
+        for (int i = 0; i < rec.count(); ++i) r.insert(rec.fieldName(i).toLower(), q.value(i));
+        out << r;
+    }
+    return out;
+}
 
 QVariant TestDatabase::scalar(const QString& sql) const {
-    QVariant v;
-    withDatabase(file_, [&](QSqlDatabase& db) {
-        QSqlQuery q(db);
-        if (!q.exec(sql))
-            throw std::runtime_error((sql + u": "_s + q.lastError().text()).toStdString());
-        if (q.next()) v = q.value(0);
-    });
-    return v;
+    QSqlQuery q(db_);
+    if (!q.exec(sql)) {
+        reportFailure(sql, q);
+        return {};
+    }
+    return q.next() ? q.value(0) : QVariant();
 }
 
 TestModule::TestModule() {

@@ -1,35 +1,46 @@
 #pragma once
 
-// A fresh embedded database for one test: a temporary file with the loan schema, and a
-// module whose session points at it with a scripted message component.
-
-#include <QTemporaryDir>
-#include <memory>
+// A fresh embedded database for one test: a temporary file, with the loan schema unless
+// asked otherwise, an open connection of its own, and helpers to run statements and read
+// rows. A failing statement fails the test and names the statement. TestModule adds a
+// module whose session points at it, with scripted messages and no modal waits.
 
 #include "ScriptedMessages.h"
 #include "session/Module.h"
 
+#include <QSqlDatabase>
+#include <QTemporaryDir>
+#include <QVariantMap>
+#include <memory>
+
 namespace kav::test {
+
+using Row = QVariantMap;  // column name (lower case) -> value
 
 class TestDatabase {
 public:
-    // Creates the file and the schema (no rows).
-    TestDatabase();
-    QString file() const { return file_; }
+    explicit TestDatabase(bool withSchema = true);
+    ~TestDatabase();
+    TestDatabase(const TestDatabase&) = delete;
+    TestDatabase& operator=(const TestDatabase&) = delete;
+
+    const QString& file() const { return file_; }
     QString connectionString() const;
-    // Runs statements on the database directly (not through a module); raises on failure.
-    void exec(const QString& sql) const;
+    QSqlDatabase& db() { return db_; }
+
+    bool exec(const QString& sql) const;
     void exec(const QStringList& statements) const;
-    // The first column of the first row of a query, or a null QVariant.
+    QList<Row> rows(const QString& sql) const;
+    // The first column of the first row, or a null QVariant.
     QVariant scalar(const QString& sql) const;
 
 private:
     QTemporaryDir dir_;
+    QString name_;
     QString file_;
+    mutable QSqlDatabase db_;
 };
 
-// A module on a fresh test database, with the scripted messages installed and modal
-// windows not shown (the runner records nothing and returns 0).
 class TestModule {
 public:
     TestModule();

@@ -13,7 +13,7 @@
 #include "data/DemoData.h"
 #include "host/PropertyBag.h"
 #include "host/kavHRLoan1.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 #include "session/Vb.h"
 
 using namespace Qt::StringLiterals;

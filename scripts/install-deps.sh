@@ -8,7 +8,7 @@ packages=(
   qt6-base-dev libgl-dev libqt6sql6-sqlite libqt6sql6-odbc
   unixodbc unixodbc-dev odbcinst tdsodbc libsqliteodbc
   libgtest-dev libgmock-dev libbenchmark-dev
-  fonts-noto-core fonts-farsiweb sqlite3
+  fonts-noto-core fonts-farsiweb sqlite3 nodejs
 )
 
 missing=()

@@ -38,18 +38,6 @@ bool readFields(const QString& text, Fields* f) {
 
 QCalendar JalaliCalendar() { return QCalendar(QCalendar::System::Jalali); }
 
-QString LatinDigits(const QString& text) {
-    QString out = text;
-    for (QChar& c : out) {
-        const char16_t u = c.unicode();
-        if (u >= 0x06F0 && u <= 0x06F9)
-            c = QChar(u'0' + (u - 0x06F0));
-        else if (u >= 0x0660 && u <= 0x0669)
-            c = QChar(u'0' + (u - 0x0660));
-    }
-    return out;
-}
-
 QDate ParseFarsiDate(const QString& text) {
     Fields f;
     if (!readFields(text, &f)) return {};

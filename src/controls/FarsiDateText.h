@@ -7,14 +7,12 @@
 #include <QDate>
 #include <QString>
 
+#include "session/TextProcs.h"
+
 namespace kav::controls {
 
 // The Jalali (Persian solar) calendar every date box uses.
 QCalendar JalaliCalendar();
-
-// Persian (U+06F0..U+06F9) and Arabic-Indic (U+0660..U+0669) digits as Latin digits; every other
-// character is kept.
-QString LatinDigits(const QString& text);
 
 // Reads a Jalali date text "y/m/d". Each of the three fields is read as a whole number after
 // trimming its blanks, so "1403/1/5", "1403/010/01" and " 1404/ 1/ 31" are all readable. The

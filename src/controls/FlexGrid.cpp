@@ -13,7 +13,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "session/Errors.h"
+#include "base/Errors.h"
+#include "session/WindowSupport.h"
 #include "session/Ui.h"
 #include "session/Vb.h"
 
@@ -579,66 +580,6 @@ void FlexGrid::setMouse(int row, int col) {
     mouseCol_ = col;
 }
 
-namespace {
-
-int keyCodeOf(const QKeyEvent* e) {
-    const int k = e->key();
-    if ((k >= Qt::Key_A && k <= Qt::Key_Z) || (k >= Qt::Key_0 && k <= Qt::Key_9)) return k;
-    if (k >= Qt::Key_F1 && k <= Qt::Key_F24) return 112 + (k - Qt::Key_F1);
-    switch (k) {
-        case Qt::Key_Backspace:
-            return 8;
-        case Qt::Key_Tab:
-        case Qt::Key_Backtab:
-            return 9;
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-            return 13;
-        case Qt::Key_Shift:
-            return 16;
-        case Qt::Key_Control:
-            return 17;
-        case Qt::Key_Alt:
-            return 18;
-        case Qt::Key_Escape:
-            return 27;
-        case Qt::Key_Space:
-            return 32;
-        case Qt::Key_PageUp:
-            return 33;
-        case Qt::Key_PageDown:
-            return 34;
-        case Qt::Key_End:
-            return 35;
-        case Qt::Key_Home:
-            return 36;
-        case Qt::Key_Left:
-            return 37;
-        case Qt::Key_Up:
-            return 38;
-        case Qt::Key_Right:
-            return 39;
-        case Qt::Key_Down:
-            return 40;
-        case Qt::Key_Insert:
-            return 45;
-        case Qt::Key_Delete:
-            return 46;
-        default:
-            return 0;
-    }
-}
-
-int shiftOf(const QKeyEvent* e) {
-    int shift = 0;
-    if (e->modifiers() & Qt::ShiftModifier) shift |= 1;
-    if (e->modifiers() & Qt::ControlModifier) shift |= 2;
-    if (e->modifiers() & Qt::AltModifier) shift |= 4;
-    return shift;
-}
-
-}  // namespace
-
 bool FlexGrid::eventFilter(QObject* watched, QEvent* event) {
     QHeaderView* header = view_->horizontalHeader();
     if (watched == header->viewport()) {
@@ -703,28 +644,12 @@ bool FlexGrid::eventFilter(QObject* watched, QEvent* event) {
     }
     if (watched == view_ && event->type() == QEvent::KeyPress) {
         auto* key = static_cast<QKeyEvent*>(event);
-        int code = keyCodeOf(key);
+        int code = KeyCodeOf(*key);
         if (code != 0) {
-            emit KeyDown(code, shiftOf(key));
+            emit KeyDown(code, ShiftOf(*key));
             if (code == 0) return true;
         }
-        int ascii = 0;
-        switch (key->key()) {
-            case Qt::Key_Return:
-            case Qt::Key_Enter:
-                ascii = 13;
-                break;
-            case Qt::Key_Escape:
-                ascii = 27;
-                break;
-            case Qt::Key_Backspace:
-                ascii = 8;
-                break;
-            default:
-                if (key->text().size() == 1 && key->text()[0].isPrint() &&
-                    !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)))
-                    ascii = key->text()[0].unicode();
-        }
+        int ascii = KeyAsciiOf(*key);
         if (ascii != 0) {
             emit KeyPress(ascii);
             if (ascii == 0) return true;

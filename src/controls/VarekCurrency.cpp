@@ -10,6 +10,7 @@
 #include "controls/FarsiDateText.h"
 #include "session/TextProcs.h"
 #include "session/Ui.h"
+#include "session/WindowSupport.h"
 
 using namespace Qt::StringLiterals;
 
@@ -129,8 +130,9 @@ bool VarekCurrency::eventFilter(QObject* watched, QEvent* event) {
     if (watched != edit_) return QWidget::eventFilter(watched, event);
     switch (event->type()) {
         case QEvent::FocusIn: {
-            const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-            if (reason != Qt::PopupFocusReason) emit GotFocus();
+            const auto* focus = static_cast<QFocusEvent*>(event);
+            const Qt::FocusReason reason = focus->reason();
+            if (IsFieldFocusChange(*focus)) emit GotFocus();
             // A handler that selects the text on GotFocus keeps the selection when the focus
             // came with a click: the click itself does not move the caret.
             keepSelection_ = reason == Qt::MouseFocusReason && edit_->hasSelectedText();
@@ -145,40 +147,22 @@ bool VarekCurrency::eventFilter(QObject* watched, QEvent* event) {
             }
             break;
         case QEvent::FocusOut:
-            if (static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason)
-                emit LostFocus();
+            if (IsFieldFocusChange(*static_cast<QFocusEvent*>(event))) emit LostFocus();
             break;
         case QEvent::KeyPress: {
             auto* key = static_cast<QKeyEvent*>(event);
             const int from = plainPos(SelStart());
             const int to = plainPos(SelStart() + SelLength());
-            int code = 0;
-            switch (key->key()) {
-                case Qt::Key_Backspace:
-                    code = 8;
-                    break;
-                case Qt::Key_Return:
-                case Qt::Key_Enter:
-                    code = 13;
-                    break;
-                case Qt::Key_Escape:
-                    code = 27;
-                    break;
-                case Qt::Key_Delete:
-                    // Not a typed character: no KeyPress, but it deletes within the value.
-                    if (!isLocked() && key->modifiers() == Qt::NoModifier) {
-                        editPlain(from, from == to ? from + 1 : to, {}, from);
-                        return true;
-                    }
-                    return false;
-                default: {
-                    const QString text = LatinDigits(key->text());
-                    if (text.size() != 1 || !text[0].isPrint() ||
-                        (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)))
-                        return false;  // navigation, shortcuts: the line edit's business
-                    code = text[0].unicode();
+            if (key->key() == Qt::Key_Delete) {
+                // Not a typed character: no KeyPress, but it deletes within the value.
+                if (!isLocked() && key->modifiers() == Qt::NoModifier) {
+                    editPlain(from, from == to ? from + 1 : to, {}, from);
+                    return true;
                 }
+                return false;
             }
+            int code = KeyAsciiOf(*key);
+            if (code == 0) return false;  // navigation, shortcuts: the line edit's business
             emit KeyPress(code);
             if (code == 13 || code == 27) return false;  // Enter and Escape go on to the window
             if (code == 0 || isLocked()) return true;

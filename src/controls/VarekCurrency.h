@@ -16,6 +16,7 @@ namespace kav::controls {
 
 class VarekCurrency : public QWidget {
     Q_OBJECT
+    Q_PROPERTY(bool locked READ isLocked WRITE setLocked)
 
 public:
     explicit VarekCurrency(QWidget* parent = nullptr);

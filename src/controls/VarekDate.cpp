@@ -19,6 +19,7 @@
 
 #include "controls/FarsiDateText.h"
 #include "session/Ui.h"
+#include "session/WindowSupport.h"
 
 using namespace Qt::StringLiterals;
 
@@ -243,11 +244,10 @@ bool VarekDate::eventFilter(QObject* watched, QEvent* event) {
     if (watched == edit_) {
         switch (event->type()) {
             case QEvent::FocusIn:
-                if (static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason)
-                    emit GotFocus();
+                if (IsFieldFocusChange(*static_cast<QFocusEvent*>(event))) emit GotFocus();
                 break;
             case QEvent::FocusOut:
-                if (static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
+                if (IsFieldFocusChange(*static_cast<QFocusEvent*>(event))) {
                     // What was typed takes effect before the window hears of the leaving.
                     onEditingFinished();
                     emit LostFocus();

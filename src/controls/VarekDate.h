@@ -18,6 +18,7 @@ namespace kav::controls {
 
 class VarekDate : public QWidget {
     Q_OBJECT
+    Q_PROPERTY(bool locked READ isLocked WRITE setLocked)
 
 public:
     explicit VarekDate(QWidget* parent = nullptr);

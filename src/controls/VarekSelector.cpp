@@ -13,6 +13,7 @@
 #include "controls/FarsiDateText.h"
 #include "session/DataEnvironment.h"
 #include "session/Ui.h"
+#include "session/WindowSupport.h"
 
 using namespace Qt::StringLiterals;
 
@@ -281,10 +282,10 @@ void VarekSelector::onEditingFinished() {
 bool VarekSelector::eventFilter(QObject* watched, QEvent* event) {
     if (watched == edit_) {
         if (event->type() == QEvent::FocusIn &&
-            static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
+            IsFieldFocusChange(*static_cast<QFocusEvent*>(event))) {
             emit GotFocus();
         } else if (event->type() == QEvent::FocusOut &&
-                   static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
+                   IsFieldFocusChange(*static_cast<QFocusEvent*>(event))) {
             onEditingFinished();
             emit LostFocus();
         } else if (event->type() == QEvent::KeyPress) {

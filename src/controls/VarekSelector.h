@@ -35,6 +35,7 @@ struct EmployeeEntry {
 
 class VarekSelector : public QWidget {
     Q_OBJECT
+    Q_PROPERTY(bool locked READ isLocked WRITE setLocked)
 
 public:
     explicit VarekSelector(QWidget* parent = nullptr);

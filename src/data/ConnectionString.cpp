@@ -5,7 +5,7 @@
 #include <QProcess>
 #include <QSettings>
 
-#include "session/Errors.h"
+#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 

@@ -13,7 +13,7 @@
 #include "data/EmbeddedSchema.h"
 #include "data/Names.h"
 #include "data/SqlDialect.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 

@@ -7,7 +7,7 @@
 #include <QSqlQuery>
 
 #include "data/Names.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 

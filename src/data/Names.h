@@ -1,8 +1,8 @@
 #pragma once
 
-// The names of the tables, views, columns and stored procedures of the loan database, each
-// spelled once. Column lookups are case-insensitive, so one spelling serves "CODE" and
-// "Code" alike.
+// The names the data layer itself uses: the tables and views of the loan database, the
+// stored procedures with their parameters and the columns the emulated procedures write.
+// The windows' SQL texts are written out whole in their builders, as the suite's texts stand.
 
 #include <QString>
 
@@ -41,59 +41,27 @@ inline const QString atFarsiBeginDate = QStringLiteral("@FarsiBeginDate");
 inline const QString atEndDate = QStringLiteral("@EndDate");
 inline const QString atFarsiEndDate = QStringLiteral("@FarsiEndDate");
 
-// Columns of the tables
+// Columns the emulated procedures write
 inline const QString ID = QStringLiteral("ID");
-inline const QString Code = QStringLiteral("Code");
-inline const QString TypeID = QStringLiteral("TypeID");
 inline const QString LoanID = QStringLiteral("LoanID");
 inline const QString EmployeeID = QStringLiteral("EmployeeID");
-inline const QString PaymentDate = QStringLiteral("PaymentDate");
-inline const QString FarsiPaymentDate = QStringLiteral("FarsiPaymentDate");
 inline const QString BeginDate = QStringLiteral("BeginDate");
 inline const QString FarsiBeginDate = QStringLiteral("FarsiBeginDate");
 inline const QString EndDate = QStringLiteral("EndDate");
 inline const QString FarsiEndDate = QStringLiteral("FarsiEndDate");
-inline const QString LoanValue = QStringLiteral("LoanValue");
-inline const QString OriginalLoanValue = QStringLiteral("OriginalLoanValue");
-inline const QString MonthlyValue = QStringLiteral("MonthlyValue");
-inline const QString PayBackNumber = QStringLiteral("PayBackNumber");
-inline const QString UseRemainedValueInFirstMonth = QStringLiteral("UseRemainedValueInFirstMonth");
-inline const QString Notes = QStringLiteral("Notes");
-inline const QString SupporterEmployeeID1 = QStringLiteral("SupporterEmployeeID1");
-inline const QString SupporterEmployeeID2 = QStringLiteral("SupporterEmployeeID2");
-inline const QString SupporterEmployeeID3 = QStringLiteral("SupporterEmployeeID3");
-inline const QString Name = QStringLiteral("Name");
-inline const QString MaxValue = QStringLiteral("MaxValue");
 inline const QString MonthlyDebit = QStringLiteral("MonthlyDebit");
-inline const QString PayMonth = QStringLiteral("PayMonth");    // payroll month "yyyy/mm"
-inline const QString PaidValue = QStringLiteral("PaidValue");  // amount deducted
-inline const QString FirstName = QStringLiteral("FirstName");
-inline const QString SureName = QStringLiteral("SureName");
-inline const QString FatherName = QStringLiteral("FatherName");
-inline const QString WorkStatusID = QStringLiteral("WorkStatusID");
-inline const QString Value = QStringLiteral("Value");
 inline const QString UserID = QStringLiteral("UserID");
 inline const QString FormPermissionID = QStringLiteral("FormPermissionID");
 
-// Columns computed by the views and by the module's own SELECT texts
-inline const QString LoanTypeDesc = QStringLiteral("LoanTypeDesc");
-inline const QString EmployeeCode = QStringLiteral("EmployeeCode");
-inline const QString EmployeeName = QStringLiteral("EmployeeName");
-inline const QString SupporterEmployeeName1 = QStringLiteral("SupporterEmployeeName1");
-inline const QString SupporterEmployeeName2 = QStringLiteral("SupporterEmployeeName2");
-inline const QString SupporterEmployeeName3 = QStringLiteral("SupporterEmployeeName3");
-inline const QString Supporter1 = QStringLiteral("Supporter1");
-inline const QString Supporter2 = QStringLiteral("Supporter2");
-inline const QString Supporter3 = QStringLiteral("Supporter3");
-inline const QString LoanCode = QStringLiteral("LoanCode");
-inline const QString MAXID = QStringLiteral("MAXID");
-
-// System parameter rows and permission numbers
+// The system parameter row that holds the working date.
 constexpr int DefaultPayDateParameterID = 3450;
-constexpr int PermissionOpenModule = 111801;
-constexpr int PermissionNewOrDeleteLoan = 111802;
-constexpr int PermissionEditLoan = 111803;
-// Employees with this work status are left out of the borrower chooser.
-constexpr int WorkStatusLeft = 3;
+
+// Permission numbers checked against the suite's role system: opening the module, creating
+// and deleting a loan (one number for both), editing a loan.
+enum Permission : int {
+    PermissionOpenModule = 111801,
+    PermissionNewOrDeleteLoan = 111802,
+    PermissionEditLoan = 111803,
+};
 
 }  // namespace kav::data::names

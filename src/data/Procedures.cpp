@@ -6,7 +6,7 @@
 
 #include "data/Names.h"
 #include "data/SqlDialect.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 

@@ -9,11 +9,12 @@
 #include <QVBoxLayout>
 
 #include "controls/FlexGrid.h"
+#include "host/ModuleAssembly.h"
 #include "host/PropertyBag.h"
 #include "loan_editor/FormHRLoan.h"
 #include "loan_editor/LoanEditorTexts.h"
-#include "session/Handler.h"
 #include "session/Module.h"
+#include "session/WindowSupport.h"
 #include "session/Ui.h"
 #include "session/Vb.h"
 
@@ -30,6 +31,7 @@ kavHRLoan1::kavHRLoan1(QWidget* parent) : kavHRLoan1(std::make_shared<Module>(),
 
 kavHRLoan1::kavHRLoan1(std::shared_ptr<Module> module, QWidget* parent)
     : QWidget(parent), module_(std::move(module)) {
+    ProvideWindows(*module_);
     InitProperties();
     buildBench();
 }
@@ -116,15 +118,13 @@ QVariant kavHRLoan1::ClearShow() {
     s.SessionSearchTitle = title;
     s.LoanFormMode = prsEmployeeID_ <= 0 ? ModeEmpty : ModeNew;
     // The mode is applied before the role check; a refused user leaves the window loaded.
-    FormHRLoan& editor = module_->Window<FormHRLoan>();
-    editor.DisableLockComponent();
+    module_->Window<FormHRLoan>().DisableLockComponent();
     if (!module_->HasPermission(PermissionOpenModule)) {
         module_->ShowRoleRefusal();
         return {};
     }
     treePosition->setVisible(true);
-    module_->ShowModal(editor);
-    if (editor.IsUnloaded()) module_->UnloadWindow<FormHRLoan>();
+    ShowShared<FormHRLoan>(*module_);
     return {};
 }
 
@@ -134,11 +134,10 @@ QVariant kavHRLoan1::View(qint32& loanId) {
     copyPropertiesToSession();
     module_->OpenSessionConnection();
     FormHRLoan& editor = module_->Window<FormHRLoan>();
-    editor.FillLoan(QString::number(loanId));
+    editor.FillLoan(loanId);
     module_->session.LoanFormMode = ModeView;
     editor.DisableLockComponent();
-    module_->ShowModal(editor);
-    if (editor.IsUnloaded()) module_->UnloadWindow<FormHRLoan>();
+    ShowShared<FormHRLoan>(*module_);
     return {};
 }
 

@@ -23,11 +23,13 @@
 #include "controls/VarekCurrency.h"
 #include "controls/VarekDate.h"
 #include "loan_editor/LoanDates.h"
+#include "loan_editor/LoanEditorSql.h"
 #include "loan_editor/LoanEditorTexts.h"
+#include "loan_editor/LoanMembers.h"
 #include "loan_editor/LoanModes.h"
 #include "loan_editor/LoanTerms.h"
-#include "session/Handler.h"
 #include "session/Module.h"
+#include "session/TextProcs.h"
 #include "session/Ui.h"
 #include "session/Vb.h"
 
@@ -54,13 +56,6 @@ QString fieldText(const QVariant& v) {
     }
 }
 
-// Restores the normal mouse pointer when the busy stretch ends, however it ends.
-class BusyPointer {
-public:
-    BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~BusyPointer() { QApplication::restoreOverrideCursor(); }
-};
-
 template <class W>
 W* named(W* w, const QString& name) {
     w->setObjectName(name);
@@ -69,31 +64,23 @@ W* named(W* w, const QString& name) {
 
 }  // namespace
 
-FormHRLoan::FormHRLoan(Module& module, QWidget* parent) : QDialog(parent), module_(module) {
+FormHRLoan::FormHRLoan(Module& module, QWidget* parent)
+    : ModuleWindow(module, parent), module_(module) {
+    setObjectName(u"FormHRLoan"_s);
     buildControls();
     connectHandlers();
     Form_Load();
 }
 
 FormHRLoan::~FormHRLoan() {
-    // Closing the window moves the focus; no handler may run on a window being destroyed.
     Timer1->stop();
     cmbLoanType->removeEventFilter(this);
     txtPayBackNumber->removeEventFilter(this);
-    for (QObject* child : findChildren<QObject*>())
-        QObject::disconnect(child, nullptr, this, nullptr);
 }
 
 void FormHRLoan::buildControls() {
     ApplyPersianStyle(this);
-    setModal(true);
     setWindowTitle(T::TitleEmpty);
-
-    auto label = [this](const QString& text, QWidget* buddy) {
-        auto* l = new QLabel(text, this);
-        l->setBuddy(buddy);
-        return l;
-    };
 
     lblMessage = named(new QLabel(this), u"lblMessage"_s);
     QFont statusFont = lblMessage->font();
@@ -101,10 +88,41 @@ void FormHRLoan::buildControls() {
     lblMessage->setFont(statusFont);
     lblMessage->setMinimumHeight(24);
 
+    QWidget* terms = buildTermsArea();
+    QWidget* members = buildMembersArea();
+    QLayout* commands = buildCommands();
+    buildMenu();
+
+    gtpTempDate = named(new VarekDate(this), u"gtpTempDate"_s);
+    gtpTempDate->hide();
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(lblMessage);
+    layout->addWidget(terms);
+    layout->addWidget(members, 1);
+    layout->addLayout(commands);
+    layout->addWidget(gtpTempDate);
+
+    Timer1 = new QTimer(this);
+    Timer1->setObjectName(u"Timer1"_s);
+    Timer1->setInterval(250);
+    resize(960, 640);
+}
+
+// The loan's identity, type, dates, amounts and notes, in the frame Frame1.
+QWidget* FormHRLoan::buildTermsArea() {
+    auto label = [this](const QString& text, QWidget* buddy) {
+        auto* l = new QLabel(text, this);
+        l->setBuddy(buddy);
+        return l;
+    };
     txtID = named(new QLineEdit(this), u"txtID"_s);
     txtID->setReadOnly(true);
     txtCode = named(new QLineEdit(this), u"txtCode"_s);
     txtCode->setReadOnly(true);
+    // Numbers start at the right edge, as in the amount boxes.
+    for (QLineEdit* number : {txtID, txtCode})
+        number->setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
     cmbLoanType = named(new QComboBox(this), u"cmbLoanType"_s);
     cmbLoanType->setMinimumWidth(180);
     txtMaxLoanValue = named(new VarekCurrency(this), u"txtMaxLoanValue"_s);
@@ -112,11 +130,10 @@ void FormHRLoan::buildControls() {
     datLoanPayDate = named(new VarekDate(this), u"datLoanPayDate"_s);
     datBeginDate = named(new VarekDate(this), u"datBeginDate"_s);
     datEndDate = named(new VarekDate(this), u"datEndDate"_s);
-    gtpTempDate = named(new VarekDate(this), u"gtpTempDate"_s);
-    gtpTempDate->hide();
     txtOriginalValue = named(new VarekCurrency(this), u"txtOriginalValue"_s);
     txtLoanValue = named(new VarekCurrency(this), u"txtLoanValue"_s);
     txtPayBackNumber = named(new QLineEdit(this), u"txtPayBackNumber"_s);
+    txtPayBackNumber->setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
     TxtPerMonth = named(new VarekCurrency(this), u"TxtPerMonth"_s);
     txtRem = named(new VarekCurrency(this), u"txtRem"_s);
     txtRem->setLocked(true);
@@ -171,14 +188,42 @@ void FormHRLoan::buildControls() {
     ++row;
     place(row, 0, label(T::LabelNotes, txtNotes), txtNotes, 5);
     for (int c : {1, 3, 5}) fields->setColumnStretch(c, 1);
+    return Frame1;
+}
 
+namespace {
+QPushButton* commandButton(QWidget* parent, const QString& caption, const QString& name) {
+    auto* b = named(new QPushButton(caption, parent), name);
+    b->setAutoDefault(false);
+    return b;
+}
+}  // namespace
+
+// The member grid with the buttons that work on it.
+QWidget* FormHRLoan::buildMembersArea() {
     FlexEmployee = named(new FlexGrid(this), u"FlexEmployee"_s);
     FlexEmployee->setMinimumHeight(180);
+    cmdBalance = commandButton(this, T::CaptionBalance, u"cmdBalance"_s);
+    cmdAddEmp = commandButton(this, T::CaptionAddEmp, u"cmdAddEmp"_s);
+    cmdDeleteEmp = commandButton(this, T::CaptionDeleteEmp, u"cmdDeleteEmp"_s);
+    cmdAddOrdinanceEmployees =
+        commandButton(this, T::CaptionAddOrdinanceEmployees, u"cmdAddOrdinanceEmployees"_s);
 
+    auto* members = new QGroupBox(T::FrameMembers, this);
+    auto* memberLayout = new QVBoxLayout(members);
+    memberLayout->addWidget(FlexEmployee, 1);
+    auto* memberButtons = new QHBoxLayout;
+    for (QPushButton* b : {cmdAddEmp, cmdAddOrdinanceEmployees, cmdDeleteEmp, cmdBalance})
+        memberButtons->addWidget(b);
+    memberButtons->addStretch(1);
+    memberLayout->addLayout(memberButtons);
+    return members;
+}
+
+// The loan's commands along the bottom.
+QLayout* FormHRLoan::buildCommands() {
     auto button = [this](const QString& caption, const QString& name) {
-        auto* b = named(new QPushButton(caption, this), name);
-        b->setAutoDefault(false);
-        return b;
+        return commandButton(this, caption, name);
     };
     cmdNew = button(T::CaptionNew, u"cmdNew"_s);
     cmdEdit = button(T::CaptionEdit, u"cmdEdit"_s);
@@ -189,14 +234,20 @@ void FormHRLoan::buildControls() {
     cmdExit = button(T::CaptionExit, u"cmdExit"_s);
     cmdSearch = button(T::CaptionSearch, u"cmdSearch"_s);
     cmdBacktoTemp = button(T::CaptionBackToTemp, u"cmdBacktoTemp"_s);
-    cmdBalance = button(T::CaptionBalance, u"cmdBalance"_s);
-    cmdAddEmp = button(T::CaptionAddEmp, u"cmdAddEmp"_s);
-    cmdDeleteEmp = button(T::CaptionDeleteEmp, u"cmdDeleteEmp"_s);
-    cmdAddOrdinanceEmployees =
-        button(T::CaptionAddOrdinanceEmployees, u"cmdAddOrdinanceEmployees"_s);
     cmdDefineAccount = button(T::CaptionDefineAccount, u"cmdDefineAccount"_s);
     PushButton1 = button(T::CaptionTools, u"PushButton1"_s);
 
+    auto* commands = new QHBoxLayout;
+    for (QPushButton* b : {cmdNew, cmdEdit, cmdDelete, cmdRegSave, cmdFinSave, cmdCancel,
+                           cmdBacktoTemp, cmdSearch, cmdDefineAccount, PushButton1})
+        commands->addWidget(b);
+    commands->addStretch(1);
+    commands->addWidget(cmdExit);
+    return commands;
+}
+
+// The pop-up menu of PushButton1; each item forwards to its button.
+void FormHRLoan::buildMenu() {
     mnuTool = named(new QMenu(this), u"mnuTool"_s);
     auto item = [this](const QString& caption, const QString& name) {
         auto* a = mnuTool->addAction(caption);
@@ -213,44 +264,16 @@ void FormHRLoan::buildControls() {
     mnuTool->addSeparator();
     mnusearch = item(T::CaptionSearch, u"mnusearch"_s);
     mnuExit = item(T::CaptionExit, u"mnuExit"_s);
-
-    auto* members = new QGroupBox(T::FrameMembers, this);
-    auto* memberLayout = new QVBoxLayout(members);
-    memberLayout->addWidget(FlexEmployee, 1);
-    auto* memberButtons = new QHBoxLayout;
-    for (QPushButton* b : {cmdAddEmp, cmdAddOrdinanceEmployees, cmdDeleteEmp, cmdBalance})
-        memberButtons->addWidget(b);
-    memberButtons->addStretch(1);
-    memberLayout->addLayout(memberButtons);
-
-    auto* commands = new QHBoxLayout;
-    for (QPushButton* b : {cmdNew, cmdEdit, cmdDelete, cmdRegSave, cmdFinSave, cmdCancel,
-                           cmdBacktoTemp, cmdSearch, cmdDefineAccount, PushButton1})
-        commands->addWidget(b);
-    commands->addStretch(1);
-    commands->addWidget(cmdExit);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(lblMessage);
-    layout->addWidget(Frame1);
-    layout->addWidget(members, 1);
-    layout->addLayout(commands);
-    layout->addWidget(gtpTempDate);
-
-    Timer1 = new QTimer(this);
-    Timer1->setObjectName(u"Timer1"_s);
-    Timer1->setInterval(250);
-    resize(960, 640);
 }
 
 void FormHRLoan::connectHandlers() {
-    auto handler = [this](void (FormHRLoan::*f)()) {
-        return [this, f] { RunHandler(module_, [&] { (this->*f)(); }); };
-    };
+    auto handler = [this](void (FormHRLoan::*f)()) { return Guarded(f); };
     connect(cmdNew, &QPushButton::clicked, this, handler(&FormHRLoan::cmdNew_Click));
     connect(cmdEdit, &QPushButton::clicked, this, handler(&FormHRLoan::cmdEdit_Click));
     connect(cmdCancel, &QPushButton::clicked, this, handler(&FormHRLoan::cmdCancel_Click));
     connect(cmdExit, &QPushButton::clicked, this, handler(&FormHRLoan::cmdExit_Click));
+    connect(cmdSearch, &QPushButton::clicked, this, handler(&FormHRLoan::cmdSearch_Click));
+    connect(cmdBalance, &QPushButton::clicked, this, handler(&FormHRLoan::cmdBalance_Click));
     connect(PushButton1, &QPushButton::clicked, this, handler(&FormHRLoan::PushButton1_Click));
     connect(Timer1, &QTimer::timeout, this, handler(&FormHRLoan::Timer1_Timer));
 
@@ -267,14 +290,14 @@ void FormHRLoan::connectHandlers() {
     connect(txtLoanValue, &VarekCurrency::LostFocus, this,
             handler(&FormHRLoan::txtLoanValue_LostFocus));
     connect(txtLoanValue, &VarekCurrency::KeyPress, this, [this](int& key) {
-        if (!RunHandler(module_, [&] { txtLoanValue_KeyPress(key); })) key = 0;
+        if (!Guard([&] { txtLoanValue_KeyPress(key); })) key = 0;
     });
     connect(TxtPerMonth, &VarekCurrency::GotFocus, this,
             handler(&FormHRLoan::TxtPerMonth_GotFocus));
     connect(TxtPerMonth, &VarekCurrency::LostFocus, this,
             handler(&FormHRLoan::TxtPerMonth_LostFocus));
     connect(TxtPerMonth, &VarekCurrency::KeyPress, this, [this](int& key) {
-        if (!RunHandler(module_, [&] { TxtPerMonth_KeyPress(key); })) key = 0;
+        if (!Guard([&] { TxtPerMonth_KeyPress(key); })) key = 0;
     });
     connect(datLoanPayDate, &VarekDate::DateChanged, this,
             handler(&FormHRLoan::datLoanPayDate_Change));
@@ -286,26 +309,11 @@ void FormHRLoan::connectHandlers() {
     connect(datEndDate, &VarekDate::DateChanged, this, handler(&FormHRLoan::datEndDate_Change));
     connect(datEndDate, &VarekDate::LostFocus, this, handler(&FormHRLoan::datEndDate_LostFocus));
 
-    forwardMenu(mnuNew, cmdNew, &FormHRLoan::cmdNew_Click);
-    forwardMenu(mnuEdit, cmdEdit, &FormHRLoan::cmdEdit_Click);
-    forwardMenu(mnuCancel, cmdCancel, &FormHRLoan::cmdCancel_Click);
-    forwardMenu(mnuExit, cmdExit, &FormHRLoan::cmdExit_Click);
-    // Delete, the saves and the search forward to their buttons; those buttons do their
-    // work once their own commands are built.
-    forwardMenu(mnuDelete, cmdDelete, nullptr);
-    forwardMenu(mnuRegSave, cmdRegSave, nullptr);
-    forwardMenu(mnuFinSave, cmdFinSave, nullptr);
-    forwardMenu(mnusearch, cmdSearch, nullptr);
-}
-
-void FormHRLoan::forwardMenu(QAction* item, QPushButton* button, void (FormHRLoan::*click)()) {
-    connect(item, &QAction::triggered, this, [this, button, click] {
-        if (!button->isEnabled()) return;
-        if (click)
-            RunHandler(module_, [&] { (this->*click)(); });
-        else
-            button->click();
-    });
+    const std::pair<QAction*, QPushButton*> menu[] = {
+        {mnuNew, cmdNew},         {mnuEdit, cmdEdit},       {mnuDelete, cmdDelete},
+        {mnuRegSave, cmdRegSave}, {mnuFinSave, cmdFinSave}, {mnuCancel, cmdCancel},
+        {mnuExit, cmdExit},       {mnusearch, cmdSearch}};
+    for (const auto& [item, button] : menu) ForwardMenu(item, button);
 }
 
 // ---- Loading ----
@@ -320,7 +328,7 @@ void FormHRLoan::Form_Load() {
 
 void FormHRLoan::FillLoanTypes() {
     Recordset rs = module_.DtEn().NewRecordset();
-    rs.Open(u"select * from tblHRLoanType"_s);
+    rs.Open(loan_sql::LoanTypes());
     cmbLoanType->clear();
     for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext())
         cmbLoanType->addItem(rs.Fields(u"Name"_s).toString(), rs.Fields(u"ID"_s));
@@ -328,9 +336,9 @@ void FormHRLoan::FillLoanTypes() {
     cmbLoanType->setCurrentIndex(-1);
 }
 
-void FormHRLoan::FillLoan(const QString& loanId) {
+void FormHRLoan::FillLoan(qint32 loanId) {
     Recordset rs = module_.DtEn().NewRecordset();
-    rs.Open(u"select * from vwHRLoanData where ID ="_s + loanId);
+    rs.Open(loan_sql::FillLoan(loanId));
     if (rs.RecordCount() > 0) {
         rs.MoveFirst();
         txtID->setText(fieldText(rs.Fields(u"ID"_s)));
@@ -389,38 +397,17 @@ void FormHRLoan::InitialFlexEmployee() {
     for (int c = 0; c <= 6; ++c) FlexEmployee->setColAlignment(c, 4);
 }
 
-void FormHRLoan::FillLoanDetail(const QString& loanId) {
+void FormHRLoan::FillLoanDetail(qint32 loanId) {
     // Showing, reloading and removing all show exactly what the database holds.
     FlexEmployee->setRows(1);
-    const QString plus = module_.DtEn().Dialect().concatOperator();
-    auto fullName = [&](const QString& e) {
-        return e + u".FirstName "_s + plus + u"' '"_s + plus + e + u".SureName"_s;
-    };
-    const QString sql =
-        u"select vw.*, "_s + fullName(u"e1"_s) + u" as 'Supporter1', "_s + fullName(u"e2"_s) +
-        u" as 'Supporter2', "_s + fullName(u"e3"_s) +
-        u" as 'Supporter3' from vwHRLoanEmployees vw left outer join tblemployee e1 on "
-        "supporterEmployeeid1=e1.id left outer join tblemployee e2 on supporteremployeeid2=e2.id "
-        "left outer join tblemployee e3 on supporteremployeeid3=e3.id where vw.LoanID="_s +
-        loanId;
     Recordset rs = module_.DtEn().NewRecordset();
-    rs.Open(sql);
+    rs.Open(loan_sql::MemberGrid(module_.DtEn().Dialect(), loanId));
     FlexEmployee->setRedraw(false);
     for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
         FlexEmployee->AddItem();
         const int r = FlexEmployee->Rows() - 1;
-        FlexEmployee->setTextMatrix(r, 0, QString::number(r));
-        FlexEmployee->setTextMatrix(r, 1, fieldText(rs.Fields(u"EmployeeID"_s)));
-        FlexEmployee->setTextMatrix(r, 2, fieldText(rs.Fields(u"Code"_s)));
-        FlexEmployee->setTextMatrix(
-            r, 3,
-            fieldText(rs.Fields(u"FirstName"_s)) + u"  "_s + fieldText(rs.Fields(u"SureName"_s)));
-        for (int g = 1; g <= 3; ++g) {
-            FlexEmployee->setTextMatrix(r, 3 + g,
-                                        fieldText(rs.Fields(u"Supporter"_s + QString::number(g))));
-            const QString id = fieldText(rs.Fields(u"supporterEmployeeid"_s + QString::number(g)));
-            FlexEmployee->setTextMatrix(r, 6 + g, id.isEmpty() ? u"null"_s : id);
-        }
+        const QStringList cells = members::LoadedRow(rs, r);
+        for (int c = 0; c < cells.size(); ++c) FlexEmployee->setTextMatrix(r, c, cells[c]);
     }
     FlexEmployee->setRedraw(true);
     rs.Close();
@@ -428,10 +415,10 @@ void FormHRLoan::FillLoanDetail(const QString& loanId) {
 
 // ---- Modes ----
 
-bool FormHRLoan::ViewPRSLoansInfo(qint16 loanId) {
+bool FormHRLoan::ViewPRSLoansInfo(qint32 loanId) {
     module_.session.CurrentLoanID = loanId;
     txtID->setText(QString::number(loanId));
-    FillLoan(QString::number(loanId));
+    FillLoan(loanId);
     module_.session.LoanFormMode = ModeView;
     DisableLockComponent();
     if (txtCode->text().isEmpty()) {
@@ -484,37 +471,24 @@ void FormHRLoan::DisableLockComponent() {
     const qint32 mode = module_.session.LoanFormMode;
     if (mode < 0 || mode > 3) return;
     setWindowTitle(loan_modes::EditorTitle(mode));
-    const QString code = txtCode->text();
-    for (const loan_modes::Rule& rule : loan_modes::EditorTable()) {
-        const std::optional<bool> value =
-            loan_modes::Resolve(rule.kind, rule.byMode[std::size_t(mode)], code);
-        if (!value) continue;
-        for (const QString& name : rule.controls) {
-            QObject* target = findChild<QObject*>(name);
-            if (!target) continue;
-            if (rule.kind == loan_modes::Kind::Enable) {
-                if (auto* action = qobject_cast<QAction*>(target))
-                    action->setEnabled(*value);
-                else if (auto* w = qobject_cast<QWidget*>(target))
-                    w->setEnabled(*value);
-            } else if (auto* amount = qobject_cast<VarekCurrency*>(target)) {
-                amount->setLocked(*value);
-            } else if (auto* edit = qobject_cast<QLineEdit*>(target)) {
-                edit->setReadOnly(*value);
-            }
-        }
-    }
+    modes::Apply(*this, loan_modes::EditorTable(), mode, txtCode->text());
 }
 
 int FormHRLoan::StateValue() const { return txtID->text().isEmpty() ? 0 : 1; }
 
+void FormHRLoan::SetLoanIdText(const QString& text) { txtID->setText(text); }
+
+QString FormHRLoan::LoanValueText() const { return txtLoanValue->Text(); }
+
 // ---- Commands ----
 
-QString FormHRLoan::loanIdNumber() const { return vb::CStr(vb::Val(txtID->text())); }
+qint32 FormHRLoan::loanId() const { return vb::CLng(vb::Val(LatinDigits(txtID->text()))); }
+
+qint64 FormHRLoan::loanTypeId() const { return cmbLoanType->currentData().toLongLong(); }
 
 int FormHRLoan::paidInstalmentCount() {
     Recordset rs = module_.DtEn().NewRecordset();
-    rs.Open(u"Select * from tblHRMonthlyPaiedLoan Where LoanID="_s + loanIdNumber());
+    rs.Open(loan_sql::PaidInstalments(loanId()));
     const int count = rs.RecordCount();
     rs.Close();
     return count;
@@ -555,7 +529,7 @@ void FormHRLoan::cmdCancel_Click() {
     {
         BusyPointer busy;
         if (!txtID->text().isEmpty()) {
-            ViewPRSLoansInfo(vb::CInt(vb::Val(txtID->text())));
+            ViewPRSLoansInfo(loanId());
             module_.session.LoanFormMode = ModeView;
             DisableLockComponent();
         } else {
@@ -569,6 +543,29 @@ void FormHRLoan::cmdCancel_Click() {
 }
 
 void FormHRLoan::cmdExit_Click() { close(); }
+
+void FormHRLoan::cmdSearch_Click() { module_.port<SearchPort>().ShowSearch(); }
+
+void FormHRLoan::cmdBalance_Click() {
+    // The adjustment window shares LoanFormMode; the editor takes its own mode back when the
+    // window closes, however it closes.
+    const qint32 mode = module_.session.LoanFormMode;
+    qint32 employee = -1;
+    if (FlexEmployee->Rows() > 1 && FlexEmployee->Row() >= 1)
+        employee = vb::CLng(vb::Val(FlexEmployee->TextMatrix(FlexEmployee->Row(), 1)));
+    struct RestoreMode {
+        FormHRLoan& window;
+        qint32 mode;
+        ~RestoreMode() {
+            window.module().session.LoanFormMode = mode;
+            try {
+                window.DisableLockComponent();
+            } catch (...) {
+            }
+        }
+    } restore{*this, mode};
+    module_.port<AdjustmentPort>().ShowBalance(txtID->text(), employee);
+}
 
 void FormHRLoan::PushButton1_Click() {
     mnuTool->popup(PushButton1->mapToGlobal(QPoint(0, PushButton1->height())));
@@ -647,8 +644,7 @@ void FormHRLoan::cmbLoanType_Click() {
         return;
     }
     Recordset rs = module_.DtEn().NewRecordset();
-    rs.Open(u"Select MaxValue from tblHRLoanType where ID="_s +
-            cmbLoanType->currentData().toString());
+    rs.Open(loan_sql::LoanTypeMaxValue(loanTypeId()));
     txtMaxLoanValue->setText(rs.RecordCount() > 0 ? loan::CeilingText(rs.Fields(u"MaxValue"_s))
                                                   : QString());
     rs.Close();
@@ -685,7 +681,7 @@ void FormHRLoan::txtLoanValue_LostFocus() {
     QVariant maxValue;
     if (cmbLoanType->currentIndex() >= 0) {
         Recordset rs = module_.DtEn().NewRecordset();
-        rs.Open(u"select * from tblHRLoanType where ID="_s + cmbLoanType->currentData().toString());
+        rs.Open(loan_sql::LoanTypeRow(loanTypeId()));
         if (rs.RecordCount() > 0) maxValue = rs.Fields(u"MaxValue"_s);
         rs.Close();
     }
@@ -755,18 +751,21 @@ void FormHRLoan::datEndDate_LostFocus() {
 }
 
 bool FormHRLoan::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == txtPayBackNumber) {
+    if (watched == txtPayBackNumber &&
+        (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) &&
+        IsFieldFocusChange(*static_cast<QFocusEvent*>(event))) {
         if (event->type() == QEvent::FocusIn)
-            RunHandler(module_, [&] { txtPayBackNumber_GotFocus(); });
-        else if (event->type() == QEvent::FocusOut)
-            RunHandler(module_, [&] { txtPayBackNumber_LostFocus(); });
+            Guard([&] { txtPayBackNumber_GotFocus(); });
+        else
+            Guard([&] { txtPayBackNumber_LostFocus(); });
     } else if (watched == cmbLoanType && event->type() == QEvent::KeyPress) {
-        if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Delete) {
-            RunHandler(module_, [&] { cmbLoanType_KeyDown(46); });
+        const int code = KeyCodeOf(*static_cast<QKeyEvent*>(event));
+        if (code == 46) {
+            Guard([&] { cmbLoanType_KeyDown(code); });
             return true;
         }
     }
-    return QDialog::eventFilter(watched, event);
+    return ModuleWindow::eventFilter(watched, event);
 }
 
 // ---- Closing ----
@@ -783,37 +782,19 @@ bool FormHRLoan::Form_Unload() {
     return module_.AskQuestion(WarningTitle(), question) != AnswerNo;
 }
 
-void FormHRLoan::closeEvent(QCloseEvent* event) {
-    bool close = true;
-    RunHandler(module_, [&] { close = Form_Unload(); });
-    if (!close) {
-        event->ignore();
-        return;
-    }
-    event->accept();
-    unloaded_ = true;
-    QDialog::done(QDialog::Rejected);
-}
-
-void FormHRLoan::reject() {
-    // Escape closes the window the same way as the close box.
-    close();
-}
-
 void FormHRLoan::showEvent(QShowEvent* event) {
-    QDialog::showEvent(event);
+    ModuleWindow::showEvent(event);
     if (QScreen* s = screen()) {
         const QRect area = s->availableGeometry();
         move(area.left() + (area.width() - width()) / 2,
              area.top() + (area.height() - height()) / 2);
     }
-    unloaded_ = false;
     Timer1->start();
 }
 
 void FormHRLoan::hideEvent(QHideEvent* event) {
     Timer1->stop();
-    QDialog::hideEvent(event);
+    ModuleWindow::hideEvent(event);
 }
 
 }  // namespace kav

@@ -4,16 +4,18 @@
 // 1 edit, 2 new, 3 empty) decides the caption and which controls are enabled.
 
 #include <QDate>
-#include <QDialog>
 #include <QString>
 #include <QVariant>
 #include <optional>
 
 #include "loan_editor/LoanTerms.h"
 #include "session/Vb.h"
+#include "session/WindowPorts.h"
+#include "session/WindowSupport.h"
 
 class QAction;
 class QButtonGroup;
+class QLayout;
 class QCheckBox;
 class QComboBox;
 class QGroupBox;
@@ -32,38 +34,41 @@ class VarekCurrency;
 class VarekDate;
 }  // namespace controls
 
-class FormHRLoan : public QDialog {
+class FormHRLoan : public ModuleWindow, public LoanEditorPort {
     Q_OBJECT
 public:
     explicit FormHRLoan(Module& module, QWidget* parent = nullptr);
     ~FormHRLoan() override;
 
-    // Public operations, as the other windows and the host use them.
-    bool ViewPRSLoansInfo(qint16 loanId);
+    // Public operations, as the other windows and the host use them. Loan ids are 32-bit.
+    bool ViewPRSLoansInfo(qint32 loanId) override;
     void ShowFormToEdit();
     void ShowFormToInsert();
     void Clear();
     QString getNextMonth(const QString& date) const;
     void DisableLockComponent();
-    void FillLoanDetail(const QString& loanId);
+    void FillLoanDetail(qint32 loanId);
     void InitialFlexEmployee();
-    void FillLoan(const QString& loanId);
+    void FillLoan(qint32 loanId);
 
     // 1 while the window shows a stored loan (txtID holds an id), else 0.
-    int StateValue() const;
+    int StateValue() const override;
+    void SetLoanIdText(const QString& text) override;
+    QString LoanValueText() const override;
     QString DefaultPayDate() const { return defaultPayDate_; }
-    // True once the window has been closed (unloaded); the host then lets it go.
-    bool IsUnloaded() const { return unloaded_; }
 
     // Event handlers, public so that tests and the menu reach them as a click would.
     void cmdNew_Click();
     void cmdEdit_Click();
     void cmdCancel_Click();
     void cmdExit_Click();
+    void cmdSearch_Click();
+    void cmdBalance_Click();
     void PushButton1_Click();
     void Timer1_Timer();
     // The closing questions; false cancels the closing.
     bool Form_Unload();
+    bool QueryUnload() override { return Form_Unload(); }
 
     // The loan terms: type and ceiling, amounts, count, monthly instalment, remainder.
     void cmbLoanType_Click();
@@ -139,8 +144,6 @@ public:
     QAction* mnusearch;
 
 protected:
-    void closeEvent(QCloseEvent* event) override;
-    void reject() override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -149,15 +152,19 @@ private:
     void Form_Load();
     void FillLoanTypes();
     void buildControls();
+    QWidget* buildTermsArea();
+    QWidget* buildMembersArea();
+    QLayout* buildCommands();
+    void buildMenu();
     void connectHandlers();
     // The remainder option stored with a loan: Null none, 1 first, 0 last, 2 separate.
     void setRemainderOption(const QVariant& value);
-    // The number in txtID as the SQL texts write it.
-    QString loanIdNumber() const;
+    // The number in txtID, as the statements write it.
+    qint32 loanId() const;
+    // The id of the chosen loan type (its item data).
+    qint64 loanTypeId() const;
     // Payslip rows of the loan in txtID.
     int paidInstalmentCount();
-    // Runs a menu item's button when that button is enabled.
-    void forwardMenu(QAction* item, QPushButton* button, void (FormHRLoan::*click)());
 
     // The fields the term and date rules read, as the controls hold them now.
     loan::TermsFields termsFields() const;
@@ -174,7 +181,6 @@ private:
     QDate beginDateAtFocus;
     QDate endDateAtFocus;
     QButtonGroup* remainderGroup_;
-    bool unloaded_ = false;
 };
 
 }  // namespace kav

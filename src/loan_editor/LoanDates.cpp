@@ -3,7 +3,7 @@
 #include <QStringList>
 
 #include "loan_editor/LoanEditorTexts.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 #include "session/TextProcs.h"
 #include "session/Vb.h"
 

@@ -7,12 +7,12 @@ using namespace Qt::StringLiterals;
 namespace kav::loan_modes {
 
 namespace {
-using enum State;
-}
+using enum modes::State;
+using modes::Kind;
+}  // namespace
 
-const std::vector<Rule>& EditorTable() {
-    //                                               view            edit       new        empty
-    static const std::vector<Rule> table = {
+const modes::Table& EditorTable() {
+    static const modes::Table table = {
         {{u"cmdNew"_s, u"mnuNew"_s}, Kind::Enable, {On, Off, Off, On}},
         {{u"cmdEdit"_s, u"mnuEdit"_s}, Kind::Enable, {OnIfTemporary, Off, Off, Off}},
         {{u"cmdDelete"_s, u"mnuDelete"_s}, Kind::Enable, {OnIfTemporary, Off, Off, Off}},
@@ -58,26 +58,6 @@ QString EditorTitle(qint32 mode) {
         default:
             return QString();
     }
-}
-
-std::optional<bool> Resolve(Kind kind, State state, const QString& loanCode) {
-    switch (state) {
-        case On:
-            return true;
-        case Off:
-            return false;
-        case OnIfTemporary:
-            return loanCode.isEmpty();
-        case OnIfFinal:
-            return !loanCode.trimmed().isEmpty();
-        case Locked:
-            return kind == Kind::Lock ? std::optional<bool>(true) : std::nullopt;
-        case Open:
-            return kind == Kind::Lock ? std::optional<bool>(false) : std::nullopt;
-        case Unchanged:
-            return std::nullopt;
-    }
-    return std::nullopt;
 }
 
 }  // namespace kav::loan_modes

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "loan_editor/LoanEditorTexts.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 #include "session/Messages.h"
 #include "session/TextProcs.h"
 

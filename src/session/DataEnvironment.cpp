@@ -8,7 +8,7 @@
 #include <QUuid>
 
 #include "data/Procedures.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 

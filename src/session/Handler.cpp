@@ -1,6 +1,6 @@
 #include "session/Handler.h"
 
-#include "session/Errors.h"
+#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 

@@ -4,7 +4,7 @@
 #include <QDate>
 #include <QDialog>
 
-#include "session/Errors.h"
+#include "base/Errors.h"
 #include "session/MessageDialogs.h"
 
 using namespace Qt::StringLiterals;
@@ -67,5 +67,10 @@ QString Module::SystemWorkingDate() {
 }
 
 int Module::ShowModal(QDialog& dialog) const { return modal_(dialog); }
+
+void Module::missingPort(const char* port) {
+    throw KavError(KavError::Kind::Usage,
+                   u"پنجره مورد نياز در اين برنامه موجود نيست (%1)."_s.arg(QString::fromLatin1(port)));
+}
 
 }  // namespace kav

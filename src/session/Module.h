@@ -74,11 +74,35 @@ public:
         windows_.erase(std::type_index(typeid(W)));
     }
 
+    // Windows that call each other do so through small interfaces (session/WindowPorts.h)
+    // that the called window implements. Whoever assembles the module says which window
+    // serves a port; a window asks for the port and never names the other window's class.
+    template <class Port>
+    void ProvidePort(std::function<Port&(Module&)> provider) {
+        ports_[std::type_index(typeid(Port))] = [provider](Module& m) -> void* {
+            return &provider(m);
+        };
+    }
+    template <class Port>
+    bool HasPort() const {
+        return ports_.count(std::type_index(typeid(Port))) > 0;
+    }
+    // The window serving the port; KavError (Usage) when no window serves it.
+    template <class Port>
+    Port& port() {
+        const auto it = ports_.find(std::type_index(typeid(Port)));
+        if (it == ports_.end()) missingPort(typeid(Port).name());
+        return *static_cast<Port*>(it->second(*this));
+    }
+
 private:
+    [[noreturn]] static void missingPort(const char* port);
+
     std::unique_ptr<DataEnvironment> dtEn_;
     MessageFactory messages_;
     ModalRunner modal_;
     std::map<std::type_index, std::unique_ptr<QObject>> windows_;
+    std::map<std::type_index, std::function<void*(Module&)>> ports_;
 };
 
 }  // namespace kav

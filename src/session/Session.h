@@ -3,6 +3,8 @@
 #include <QString>
 #include <QtGlobal>
 
+#include "data/Names.h"
+
 namespace kav {
 
 // The session variables the entry calls fill before any window opens, and the module-wide
@@ -17,8 +19,8 @@ struct Session {
 
     // Mode of the loan editor (shared with the adjustment window).
     qint32 LoanFormMode = 3;
-    // The id last passed to the editor's ViewPRSLoansInfo.
-    qint16 CurrentLoanID = 0;
+    // The id last passed to the editor's ViewPRSLoansInfo (32-bit, as every record id).
+    qint32 CurrentLoanID = 0;
     // 1 while a loan or an adjustment is being edited; 2 set by the adjustment window
     // before it opens its list; otherwise 0.
     qint16 LoanEditStarted = 0;
@@ -29,11 +31,9 @@ struct Session {
 // The modes of the loan editor and the adjustment window.
 enum LoanMode : qint32 { ModeView = 0, ModeEdit = 1, ModeNew = 2, ModeEmpty = 3 };
 
-// Permission numbers checked against the suite's role system.
-enum Permission : qint32 {
-    PermissionOpenModule = 111801,
-    PermissionNewOrDeleteLoan = 111802,
-    PermissionEditLoan = 111803,
-};
+using data::names::Permission;
+using data::names::PermissionEditLoan;
+using data::names::PermissionNewOrDeleteLoan;
+using data::names::PermissionOpenModule;
 
 }  // namespace kav

@@ -4,6 +4,18 @@ using namespace Qt::StringLiterals;
 
 namespace kav {
 
+QString LatinDigits(const QString& text) {
+    QString out = text;
+    for (QChar& c : out) {
+        const char16_t u = c.unicode();
+        if (u >= 0x06F0 && u <= 0x06F9)
+            c = QChar(u'0' + (u - 0x06F0));
+        else if (u >= 0x0660 && u <= 0x0669)
+            c = QChar(u'0' + (u - 0x0660));
+    }
+    return out;
+}
+
 QString SqlQuote(const QString& text) {
     QString out;
     out.reserve(text.size());
@@ -48,13 +60,13 @@ QVariant CellNumber(const QString& text) {
 }
 
 double AmountValue(const QString& text) {
-    QString plain = text;
+    QString plain = LatinDigits(text);
     plain.remove(u'/');
     return vb::Val(plain);
 }
 
 vb::Currency AmountCurrency(const QString& text) {
-    QString plain = text;
+    QString plain = LatinDigits(text);
     plain.remove(u'/');
     return vb::CCur(plain);
 }

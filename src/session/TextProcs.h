@@ -9,6 +9,10 @@
 
 namespace kav {
 
+// Persian (U+06F0..U+06F9) and Arabic-Indic (U+0660..U+0669) digits as Latin digits; every
+// other character is kept. Every box where a number or a date is typed reads through it.
+QString LatinDigits(const QString& text);
+
 // Doubles every apostrophe so the text can stand between single quotes in SQL.
 QString SqlQuote(const QString& text);
 

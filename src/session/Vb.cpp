@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "session/Errors.h"
+#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 

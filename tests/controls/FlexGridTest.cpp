@@ -7,7 +7,7 @@
 
 #include "QtPrinters.h"
 #include "controls/FlexGrid.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav::controls;

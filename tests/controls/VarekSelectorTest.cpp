@@ -11,7 +11,7 @@
 #include "QtPrinters.h"
 #include "controls/VarekSelector.h"
 #include "session/DataEnvironment.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 #include "support/TestDatabase.h"
 
 using namespace Qt::StringLiterals;

@@ -4,7 +4,7 @@
 #include <QTemporaryDir>
 
 #include "data/ConnectionString.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 using kav::KavError;

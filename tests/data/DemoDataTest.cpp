@@ -8,7 +8,7 @@
 #include "DataTestSupport.h"
 #include "data/ConnectionString.h"
 #include "data/DemoData.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav::data;

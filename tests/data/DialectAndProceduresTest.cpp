@@ -7,7 +7,7 @@
 #include <QSqlError>
 #include "data/Procedures.h"
 #include "data/SqlDialect.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 using kav::KavError;

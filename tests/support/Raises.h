@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "session/Errors.h"
+#include "base/Errors.h"
 
 namespace kav::test {
 

@@ -6,7 +6,7 @@
 
 #include "data/DemoData.h"
 #include "session/DataEnvironment.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 #include "session/Module.h"
 #include "support/TestDatabase.h"
 

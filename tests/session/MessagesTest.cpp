@@ -4,7 +4,7 @@
 #include <QPushButton>
 #include <QTimer>
 
-#include "session/Errors.h"
+#include "base/Errors.h"
 #include "session/Handler.h"
 #include "session/MessageDialogs.h"
 #include "session/Messages.h"

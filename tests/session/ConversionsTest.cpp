@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "session/Errors.h"
+#include "base/Errors.h"
 #include "session/TextProcs.h"
 #include "session/Vb.h"
 #include "support/Raises.h"

@@ -3,7 +3,7 @@
 #include <QCalendar>
 
 #include "loan_editor/LoanDates.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 #include "support/Raises.h"
 
 using namespace Qt::StringLiterals;

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "loan_editor/LoanTerms.h"
-#include "session/Errors.h"
+#include "base/Errors.h"
 #include "support/Raises.h"
 
 using namespace Qt::StringLiterals;

@@ -1,0 +1,14 @@
+#include "host/ModuleAssembly.h"
+
+#include "loan_editor/FormHRLoan.h"
+#include "session/Module.h"
+#include "session/WindowPorts.h"
+
+namespace kav {
+
+void ProvideWindows(Module& module) {
+    module.ProvidePort<LoanEditorPort>(
+        [](Module& m) -> LoanEditorPort& { return m.Window<FormHRLoan>(); });
+}
+
+}  // namespace kav

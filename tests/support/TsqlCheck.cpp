@@ -1,0 +1,106 @@
+#include "TsqlCheck.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace kav::test {
+
+namespace {
+
+QStringList& collected() {
+    static QStringList texts;
+    return texts;
+}
+
+QString checkScript() {
+    const QString given = qEnvironmentVariable("KAV_TSQL_CHECK");
+    if (!given.isEmpty()) return QFileInfo::exists(given) ? given : QString();
+    const QString source = qEnvironmentVariable("KAV_SOURCE_DIR");
+    if (source.isEmpty()) return {};
+    const QString beside = QDir(source).filePath(u"../shared/tools/tsql-check/check.js"_s);
+    return QFileInfo::exists(beside) ? QDir::cleanPath(beside) : QString();
+}
+
+QString node() {
+    for (const QString& name : {u"node"_s, u"nodejs"_s}) {
+        const QString path = QStandardPaths::findExecutable(name);
+        if (!path.isEmpty()) return path;
+    }
+    return {};
+}
+
+TsqlResult run(const QStringList& arguments) {
+    TsqlResult r;
+    const QString script = checkScript();
+    const QString nodePath = node();
+    if (script.isEmpty() || nodePath.isEmpty()) {
+        r.output = script.isEmpty() ? u"tsql-check not found"_s : u"Node.js not found"_s;
+        return r;
+    }
+    QProcess p;
+    p.setProcessChannelMode(QProcess::MergedChannels);
+    p.start(nodePath, QStringList{script} + arguments);
+    if (!p.waitForFinished(120000)) {
+        r.available = true;
+        r.output = u"tsql-check did not finish"_s;
+        return r;
+    }
+    r.available = true;
+    r.output = QString::fromUtf8(p.readAll());
+    r.passed = p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
+    return r;
+}
+
+// Checks what the program's tests collected, once, when the program ends.
+class TsqlEnvironment : public ::testing::Environment {
+public:
+    void TearDown() override {
+        const QStringList texts = collected();
+        if (texts.isEmpty()) return;
+        const TsqlResult r = RunTsqlCheck(texts);
+        if (!r.available) {
+            std::printf("T-SQL syntax check skipped (%s): %lld texts unchecked\n",
+                        r.output.toUtf8().constData(), static_cast<long long>(texts.size()));
+            return;
+        }
+        if (!r.passed) ADD_FAILURE() << "SQL Server texts that do not parse:\n" << r.output.toStdString();
+        else std::printf("T-SQL syntax check: %s", r.output.toUtf8().constData());
+    }
+};
+
+const bool registered = [] {
+    ::testing::AddGlobalTestEnvironment(new TsqlEnvironment);
+    return true;
+}();
+
+}  // namespace
+
+const QString& CheckedTsql(const QString& text) {
+    (void)registered;
+    collected().append(text);
+    return text;
+}
+
+TsqlResult RunTsqlCheck(const QStringList& texts) {
+    QTemporaryDir dir;
+    const QString file = dir.filePath(u"statements.json"_s);
+    QFile out(file);
+    if (!out.open(QIODevice::WriteOnly)) return {};
+    out.write(QJsonDocument(QJsonArray::fromStringList(texts)).toJson());
+    out.close();
+    return run({u"--json"_s, file});
+}
+
+TsqlResult RunTsqlCheckOnFile(const QString& scriptFile) { return run({scriptFile}); }
+
+}  // namespace kav::test

@@ -189,6 +189,34 @@ void Connection::Rollback() {
     Database().rollback();
 }
 
+// ---- WriteTransaction ----
+
+WriteTransaction::WriteTransaction(Connection& cnt, const QString& lockName) : cnt_(cnt) {
+    cnt_.BeginSerialised(lockName);
+}
+
+WriteTransaction::~WriteTransaction() {
+    if (!open_) return;
+    try {
+        cnt_.Rollback();
+    } catch (...) {
+    }
+}
+
+void WriteTransaction::Commit() {
+    try {
+        cnt_.Commit();
+    } catch (...) {
+        open_ = false;
+        try {
+            cnt_.Rollback();
+        } catch (...) {
+        }
+        throw;
+    }
+    open_ = false;
+}
+
 // ---- DataEnvironment ----
 
 DataEnvironment::DataEnvironment() : rs_(cnt_) {}

@@ -91,6 +91,26 @@ private:
     std::unique_ptr<data::SqlDialect> dialect_;
 };
 
+// One write command's statements as one transaction serialised among clients: begun on
+// construction, committed by Commit, rolled back when it ends uncommitted (a statement
+// raised). A failed COMMIT rolls back too. Nothing is half-written.
+//
+//   WriteTransaction tx(module.DtEn().cnt(), u"KAVHRLoan"_s);
+//   cnt.Execute(...); cnt.Execute(...);
+//   tx.Commit();
+class WriteTransaction {
+public:
+    WriteTransaction(Connection& cnt, const QString& lockName);
+    ~WriteTransaction();
+    WriteTransaction(const WriteTransaction&) = delete;
+    WriteTransaction& operator=(const WriteTransaction&) = delete;
+    void Commit();
+
+private:
+    Connection& cnt_;
+    bool open_ = true;
+};
+
 class DataEnvironment {
 public:
     DataEnvironment();

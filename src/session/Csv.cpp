@@ -1,0 +1,48 @@
+#include "session/Csv.h"
+
+#include <QSaveFile>
+
+#include "base/Errors.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kav {
+
+namespace {
+
+QString field(const QString& text) {
+    if (!text.contains(u',') && !text.contains(u'"') && !text.contains(u'\n') &&
+        !text.contains(u'\r'))
+        return text;
+    QString quoted = text;
+    quoted.replace(u"\""_s, u"\"\""_s);
+    return u'"' + quoted + u'"';
+}
+
+}  // namespace
+
+QString CsvText(const QList<QStringList>& rows) {
+    QString out;
+    for (const QStringList& row : rows) {
+        QStringList fields;
+        fields.reserve(row.size());
+        for (const QString& text : row) fields << field(text);
+        out += fields.join(u',') + u"\r\n"_s;
+    }
+    return out;
+}
+
+void SaveCsv(const QString& path, const QList<QStringList>& rows) {
+    QSaveFile file(path);
+    const QByteArray bom("\xEF\xBB\xBF");
+    if (!file.open(QIODevice::WriteOnly) || file.write(bom) != bom.size()) {
+        throw KavError(KavError::Kind::Usage,
+                       u"فايل «%1» نوشته نشد: %2"_s.arg(path, file.errorString()));
+    }
+    const QByteArray text = CsvText(rows).toUtf8();
+    if (file.write(text) != text.size() || !file.commit())
+        throw KavError(KavError::Kind::Usage,
+                       u"فايل «%1» نوشته نشد: %2"_s.arg(path, file.errorString()));
+}
+
+}  // namespace kav

@@ -1,0 +1,20 @@
+#pragma once
+
+// Rows of texts as a CSV file a spreadsheet opens correctly: UTF-8 with a byte-order mark,
+// fields separated by commas, a field holding a comma, a quote or a line break between double
+// quotes with its quotes doubled, lines ended by CR LF.
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+namespace kav {
+
+// The CSV text of the rows (without the byte-order mark).
+QString CsvText(const QList<QStringList>& rows);
+
+// Writes the rows to the file, whole or not at all (a failure leaves an existing file as it
+// was). Raises KavError (Usage) naming the file when it cannot be written.
+void SaveCsv(const QString& path, const QList<QStringList>& rows);
+
+}  // namespace kav

@@ -1,0 +1,192 @@
+#include "adjustments/FormList.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "adjustments/AdjustmentSql.h"
+#include "adjustments/AdjustmentTexts.h"
+#include "adjustments/FormHRException.h"
+#include "adjustments/RepaymentSchedule.h"
+#include "base/Errors.h"
+#include "controls/FlexGrid.h"
+#include "controls/VarekDate.h"
+#include "controls/VarekSelector.h"
+#include "session/Module.h"
+#include "session/Ui.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kav {
+
+namespace T = adjustment_texts;
+using controls::FlexGrid;
+using controls::VarekDate;
+using controls::VarekSelector;
+
+namespace {
+
+template <class W>
+W* named(W* w, const QString& name) {
+    w->setObjectName(name);
+    return w;
+}
+
+QString fieldText(const QVariant& v) {
+    if (v.isNull()) return QString();
+    if (v.typeId() == QMetaType::Double || v.typeId() == QMetaType::Float)
+        return vb::CStr(v.toDouble());
+    return v.toString();
+}
+
+}  // namespace
+
+FormList::FormList(Module& module, QWidget* parent)
+    : ModuleWindow(module, parent), module_(module) {
+    setObjectName(u"FormList"_s);
+    buildControls();
+    connect(cmdSearch, &QPushButton::clicked, this, Guarded(&FormList::cmdSearch_Click));
+    connect(cmdNew, &QPushButton::clicked, this, Guarded(&FormList::cmdNew_Click));
+    connect(cmdExit, &QPushButton::clicked, this, Guarded(&FormList::cmdExit_Click));
+    connect(FlexEmployee, &FlexGrid::Click, this, Guarded(&FormList::FlexEmployee_Click));
+    connect(FlexEmployee, &FlexGrid::DblClick, this, Guarded(&FormList::FlexEmployee_DblClick));
+    Form_Load();
+}
+
+void FormList::buildControls() {
+    ApplyPersianStyle(this);
+    setWindowTitle(T::ListCaption);
+    sltEmployee = named(new VarekSelector(this), u"sltEmployee"_s);
+    datBeginDate = named(new VarekDate(this), u"datBeginDate"_s);
+    datEndDate = named(new VarekDate(this), u"datEndDate"_s);
+    FlexEmployee = named(new FlexGrid(this), u"FlexEmployee"_s);
+    auto button = [this](const QString& caption, const QString& name) {
+        auto* b = named(new QPushButton(caption, this), name);
+        b->setAutoDefault(false);
+        return b;
+    };
+    cmdSearch = button(T::ListCaptionSearch, u"cmdSearch"_s);
+    cmdNew = button(T::ListCaptionNew, u"cmdNew"_s);
+    cmdExit = button(T::ListCaptionExit, u"cmdExit"_s);
+    cmdSearch->setDefault(true);
+
+    auto* filters = new QGridLayout;
+    filters->setHorizontalSpacing(8);
+    filters->addWidget(new QLabel(T::LabelEmployee, this), 0, 0);
+    filters->addWidget(sltEmployee, 0, 1, 1, 3);
+    filters->addWidget(new QLabel(T::ListLabelFrom, this), 1, 0);
+    filters->addWidget(datBeginDate, 1, 1);
+    filters->addWidget(new QLabel(T::ListLabelTo, this), 1, 2);
+    filters->addWidget(datEndDate, 1, 3);
+    filters->setColumnStretch(1, 1);
+    filters->setColumnStretch(3, 1);
+
+    auto* commands = new QHBoxLayout;
+    commands->addWidget(cmdSearch);
+    commands->addWidget(cmdNew);
+    commands->addStretch(1);
+    commands->addWidget(cmdExit);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(filters);
+    layout->addWidget(FlexEmployee, 1);
+    layout->addLayout(commands);
+    resize(860, 540);
+}
+
+void FormList::Form_Load() {
+    sltEmployee->setConnection(&module_.DtEn().cnt());
+    sltEmployee->setConnectionString(module_.session.SessionConnectionString);
+    sltEmployee->setMajorView(u"vwEmployeeMajor"_s);
+    sltEmployee->setMinorView(u"vwEmployeeMinor"_s);
+    sltEmployee->Initialize();
+    datBeginDate->Clear();
+    datEndDate->Clear();
+    InitialFlexEmployee();
+}
+
+void FormList::InitialFlexEmployee() {
+    FlexEmployee->setCols(7);
+    FlexEmployee->setRows(1);
+    FlexEmployee->setFormatString(T::ListFormat);
+    const int widths[] = {700, 3000, 1600, 1600, 1600, 1300, 1500};
+    for (int c = 0; c < 7; ++c) FlexEmployee->setColWidth(c, widths[c]);
+}
+
+void FormList::FillFlex() {
+    const QString sql = adjustment_sql::ListQuery(
+        sltEmployee->Value(), datBeginDate->IsEmpty() ? QString() : datBeginDate->farsidate(),
+        datEndDate->IsEmpty() ? QString() : datEndDate->farsidate());
+    Recordset& rs = module_.DtEn().rs();
+    if (rs.IsOpen()) rs.Close();
+    rs.Open(sql);
+    if (rs.RecordCount() == 0) return;
+    FlexEmployee->setRedraw(false);
+    int row = FlexEmployee->Rows();
+    FlexEmployee->setRows(row + rs.RecordCount());
+    for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext(), ++row) {
+        FlexEmployee->setTextMatrix(row, 0, QString::number(row));
+        FlexEmployee->setTextMatrix(row, 1, fieldText(rs.Fields(u"EmployeeName"_s)));
+        FlexEmployee->setTextMatrix(row, 2, fieldText(rs.Fields(u"FarsiBeginDate"_s)));
+        FlexEmployee->setTextMatrix(row, 3, fieldText(rs.Fields(u"FarsiEndDate"_s)));
+        FlexEmployee->setTextMatrix(row, 4, fieldText(rs.Fields(u"MonthlyDebit"_s)));
+        FlexEmployee->setTextMatrix(row, 5, fieldText(rs.Fields(u"ID"_s)));
+        FlexEmployee->setTextMatrix(row, 6, fieldText(rs.Fields(u"LoanID"_s)));
+    }
+    rs.Close();
+    FlexEmployee->setRedraw(true);
+}
+
+int FormList::SortDirection(int column) const {
+    return column >= 0 && column < SortSlots ? sortDirections_[std::size_t(column)] : 0;
+}
+
+void FormList::DoSort(int column) {
+    if (column < 0 || column >= SortSlots)
+        throw KavError(KavError::Kind::Usage, T::SortColumnMissing.arg(column));
+    int& direction = sortDirections_[std::size_t(column)];
+    direction = direction == 1 ? 2 : 1;
+    FlexGrid& g = *FlexEmployee;
+    g.setRedraw(false);
+    g.setCol(column);
+    g.setColSel(g.Cols() - 1);
+    g.Sort(direction == 1 ? FlexGrid::flexSortGenericAscending
+                          : FlexGrid::flexSortGenericDescending);
+    for (int r = 1; r < g.Rows(); ++r) g.setTextMatrix(r, 0, QString::number(r));
+    g.setCol(1);
+    g.setColSel(g.Cols() - 1);
+    g.setRedraw(true);
+}
+
+void FormList::cmdSearch_Click() {
+    FlexEmployee->setRows(1);
+    FillFlex();
+}
+
+void FormList::cmdNew_Click() {
+    sltEmployee->Clear();
+    datEndDate->Clear();
+    datBeginDate->Clear();
+    FlexEmployee->setRows(1);
+}
+
+void FormList::cmdExit_Click() { close(); }
+
+void FormList::FlexEmployee_Click() {
+    if (FlexEmployee->MouseRow() == 0 && FlexEmployee->Rows() >= 2 && FlexEmployee->MouseCol() >= 0)
+        DoSort(FlexEmployee->MouseCol());
+}
+
+void FormList::FlexEmployee_DblClick() {
+    if (FlexEmployee->Rows() <= 1 || FlexEmployee->Row() < 1) return;
+    if (FlexEmployee->MouseRow() == 0) return;         // a double-click on the header sorts only
+    if (module_.session.LoanEditStarted == 1) return;  // opened only for looking
+    const qint32 id = vb::CLng(FlexEmployee->TextMatrix(FlexEmployee->Row(), 5));
+    module_.Window<FormHRException>().ShowFormToEdit(id);
+    // The list steps aside with its filters and rows; the adjustment window shows the record.
+    done(QDialog::Accepted);
+}
+
+}  // namespace kav

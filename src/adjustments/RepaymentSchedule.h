@@ -1,0 +1,88 @@
+#pragma once
+
+// A member's repayment schedule: for one member of one loan (each member owes the whole
+// loan amount), one row per Jalali month from the month of the first instalment, with the
+// planned deduction, the adjustment in force, what the payslips deducted and the balance
+// after the month.
+//
+// The planned deduction is the loan's monthly instalment; the remainder (amount less
+// instalment times count, when above 0) goes with the first instalment (option 1), with the
+// last (option 0) or into a month of its own after the last (option 2). An adjustment whose
+// period covers the month replaces the planned amount by its monthly debit (-1 replaces
+// nothing); of overlapping adjustments the one with the highest ID holds. A payslip row of
+// the month is what was actually deducted. The balance after a month is the amount less the
+// sum, up to that month, of the deducted amount where a payslip row exists and the planned
+// (or adjusted) amount otherwise; no month plans more than the balance before it. While a
+// balance is left after the planned months, further months at the monthly instalment follow.
+//
+// No widget here: the window and the exports show what Compute returns.
+
+#include <QString>
+#include <QVariant>
+#include <QVector>
+#include <optional>
+
+#include "session/Vb.h"
+
+namespace kav::schedule {
+
+struct LoanTerms {
+    vb::Currency loanValue;
+    std::optional<vb::Currency> monthlyValue;  // none: no schedule
+    std::optional<qint32> payBackNumber;       // none: months at the instalment until paid
+    int remainderOption = 0;                   // 1 first month, 0 last month, 2 separate month
+    QString farsiBeginDate;                    // first instalment, "yyyy/mm/dd"
+    QString farsiEndDate;                      // settlement date; may be empty
+};
+
+struct Adjustment {
+    qint32 id = 0;
+    QString farsiBeginDate;  // empty: from the start
+    QString farsiEndDate;    // empty: open-ended
+    vb::Currency monthlyDebit;
+};
+
+struct Payslip {
+    QString payMonth;  // "yyyy/mm" (a day after it is ignored)
+    vb::Currency paidValue;
+};
+
+struct Row {
+    QString month;  // "yyyy/mm"
+    vb::Currency planned;
+    std::optional<vb::Currency> adjustment;  // the adjusted amount, when one is in force
+    qint32 adjustmentId = -1;
+    std::optional<vb::Currency> deducted;  // the payslips' amount, when the month has one
+    vb::Currency balance;                  // after the month
+    bool remainderMonth = false;           // the plan holds the remainder
+    bool afterSettlement = false;          // later than the loan's settlement month
+};
+
+struct Schedule {
+    QVector<Row> rows;
+    vb::Currency totalPlanned;
+    vb::Currency totalAdjustment;
+    vb::Currency totalDeducted;
+    vb::Currency balance;  // after the last row (the loan amount when there is none)
+    // Why there is no schedule, or why it stops before the balance reaches 0; empty when the
+    // schedule is whole.
+    QString problem;
+};
+
+// The longest schedule computed: a hundred years of months.
+constexpr int MaxMonths = 1200;
+
+Schedule Compute(const LoanTerms& terms, const QVector<Adjustment>& adjustments,
+                 const QVector<Payslip>& payslips, int maxMonths = MaxMonths);
+
+// A Jalali date or month text ("yyyy/mm/dd", "yyyy/mm", Persian digits too) as a month
+// number (year * 12 + month - 1); nullopt when it is not one.
+std::optional<int> MonthNumber(const QString& text);
+// "yyyy/mm" of a month number.
+QString MonthText(int monthNumber);
+
+// A database amount (integer, floating or text) as currency; Null is nullopt. A text that
+// is not a number raises the type-mismatch error.
+std::optional<vb::Currency> AmountOf(const QVariant& value);
+
+}  // namespace kav::schedule

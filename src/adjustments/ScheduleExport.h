@@ -1,0 +1,31 @@
+#pragma once
+
+// The member's schedule as the clerk takes it away: the columns the window shows, the rows
+// of a CSV file (amounts as plain numbers a spreadsheet reads) and a right-to-left PDF with
+// the heading and the column titles on every page.
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include "adjustments/RepaymentSchedule.h"
+
+namespace kav::schedule {
+
+// The column titles: month, planned, adjustment, deducted on payslips, balance, note.
+QStringList ColumnTitles();
+// The note of a row: the remainder month, a month after the settlement date.
+QString RowNote(const Row& row);
+// An amount as the window shows it, grouped by threes.
+QString AmountText(vb::Currency amount);
+
+// The title row, one row per month with plain amounts, and the totals row.
+QList<QStringList> CsvRows(const Schedule& schedule);
+
+// Writes the schedule as an A4 PDF, whole or not at all: on every page the title, the facts
+// (one "label: value" text each), the page number and the column titles; the totals after
+// the last month. Raises KavError (Usage) naming the file when it cannot be written.
+void SavePdf(const QString& path, const QString& title, const QStringList& facts,
+             const Schedule& schedule);
+
+}  // namespace kav::schedule

@@ -1,0 +1,45 @@
+#pragma once
+
+// The adjustment window on a fresh database: two loans, their members, a few adjustments and
+// payslip rows, and a stand-in for the loan editor.
+
+#include <gtest/gtest.h>
+
+#include "adjustments/FormHRException.h"
+#include "session/WindowPorts.h"
+#include "support/TestDatabase.h"
+
+namespace kav::test {
+
+// Loan 1: 60,000,000 over 12 instalments of 5,000,000 from 1402/01/31 to 1402/12/29,
+// members 1 and 2; employee 3 is no member. Loan 2 (member 2) has no instalment.
+// Adjustments: 1 (loan 1, employee 1, 1402/03-1402/04 at 2,000,000) and 2 (loan 2).
+void SeedAdjustments(const TestDatabase& db);
+
+// What the adjustment window reads from the loan editor.
+struct FakeEditor : LoanEditorPort {
+    int state = 1;
+    QString loanValue = QStringLiteral("60/000/000");  // as the editor's box shows it
+    bool ViewPRSLoansInfo(qint32) override { return true; }
+    void SetLoanIdText(const QString&) override {}
+    int StateValue() const override { return state; }
+    QString LoanValueText() const override { return loanValue; }
+};
+
+class AdjustmentTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    // Opens the window as the editor's balance button does.
+    FormHRException& open(const QString& loanText = QStringLiteral("1"), qint32 employee = 1);
+    FormHRException& window() { return t.module.Window<FormHRException>(); }
+    Session& session() { return t.module.session; }
+    // A new adjustment entered and saved; the window's txtID then holds its id.
+    void enterNew(const QString& from, const QString& to, const QString& perMonth,
+                  qint32 employee = 1);
+    int adjustmentCount() const;
+
+    TestModule t;
+    FakeEditor editor;
+};
+
+}  // namespace kav::test

@@ -1,0 +1,193 @@
+// The member's schedule: the remainder options, adjustments, payslip rows, and the inputs
+// that give no schedule or no end.
+
+#include <gtest/gtest.h>
+
+#include "adjustments/RepaymentSchedule.h"
+#include "support/Raises.h"
+
+using namespace Qt::StringLiterals;
+using namespace kav;
+using namespace kav::schedule;
+using vb::Currency;
+
+namespace {
+
+Currency R(qint64 rials) { return Currency::fromRaw(rials * Currency::Scale); }
+
+LoanTerms terms(qint64 value, qint64 monthly, qint32 count, int option, const QString& begin,
+                const QString& end) {
+    LoanTerms t;
+    t.loanValue = R(value);
+    t.monthlyValue = R(monthly);
+    t.payBackNumber = count;
+    t.remainderOption = option;
+    t.farsiBeginDate = begin;
+    t.farsiEndDate = end;
+    return t;
+}
+
+QString amount(const std::optional<Currency>& c) { return c ? c->toString() : u"-"_s; }
+
+// Each row as "month planned adjustment deducted balance", "-" where there is none, with
+// "R" for the remainder month and "S" for a month after the settlement date.
+QStringList lines(const Schedule& s) {
+    QStringList out;
+    for (const Row& r : s.rows)
+        out << (QStringList{r.month, r.planned.toString(), amount(r.adjustment), amount(r.deducted),
+                            r.balance.toString()}
+                    .join(u' ') +
+                (r.remainderMonth ? u" R"_s : QString()) +
+                (r.afterSettlement ? u" S"_s : QString()));
+    return out;
+}
+
+}  // namespace
+
+TEST(RepaymentSchedule, TheRemainderGoesWhereTheLoanSays) {
+    // 1,000,000 in three instalments of 300,000 leaves 100,000; the loan ends in 1403/01.
+    const auto plan = [](int option) {
+        return lines(
+            Compute(terms(1000000, 300000, 3, option, u"1402/11/30"_s, u"1403/01/31"_s), {}, {}));
+    };
+    EXPECT_EQ(plan(1), (QStringList{u"1402/11 400000 - - 600000 R"_s,
+                                    u"1402/12 300000 - - 300000"_s, u"1403/01 300000 - - 0"_s}));
+    EXPECT_EQ(plan(0), (QStringList{u"1402/11 300000 - - 700000"_s, u"1402/12 300000 - - 400000"_s,
+                                    u"1403/01 400000 - - 0 R"_s}));
+    EXPECT_EQ(plan(2),
+              (QStringList{u"1402/11 300000 - - 700000"_s, u"1402/12 300000 - - 400000"_s,
+                           u"1403/01 300000 - - 100000"_s, u"1403/02 100000 - - 0 R S"_s}));
+    // No remainder: three equal months whatever the option.
+    const Schedule even =
+        Compute(terms(900000, 300000, 3, 2, u"1402/11/30"_s, u"1403/01/31"_s), {}, {});
+    EXPECT_EQ(lines(even),
+              (QStringList{u"1402/11 300000 - - 600000"_s, u"1402/12 300000 - - 300000"_s,
+                           u"1403/01 300000 - - 0"_s}));
+    EXPECT_EQ(even.totalPlanned, R(900000));
+    EXPECT_TRUE(even.problem.isEmpty());
+}
+
+TEST(RepaymentSchedule, AdjustmentsReplaceThePlanTheLatestHolding) {
+    const QVector<Adjustment> adjustments = {
+        {5, u"1402/03/01"_s, u"1402/05/31"_s, R(50000)},
+        {9, u"1402/04/01"_s, u"1402/04/31"_s, R(0)},    // later: holds in 1402/04
+        {12, u"1402/05/01"_s, u"1402/05/31"_s, R(-1)},  // latest, replaces nothing
+        {3, u"1402/10/01"_s, QString(), R(150000)},     // open-ended
+    };
+    const Schedule s =
+        Compute(terms(1200000, 100000, 12, 0, u"1402/01/31"_s, u"1402/12/29"_s), adjustments, {});
+    EXPECT_EQ(lines(s), (QStringList{
+                            u"1402/01 100000 - - 1100000"_s,
+                            u"1402/02 100000 - - 1000000"_s,
+                            u"1402/03 100000 50000 - 950000"_s,
+                            u"1402/04 100000 0 - 950000"_s,
+                            u"1402/05 100000 - - 850000"_s,
+                            u"1402/06 100000 - - 750000"_s,
+                            u"1402/07 100000 - - 650000"_s,
+                            u"1402/08 100000 - - 550000"_s,
+                            u"1402/09 100000 - - 450000"_s,
+                            u"1402/10 100000 150000 - 300000"_s,
+                            u"1402/11 100000 150000 - 150000"_s,
+                            u"1402/12 100000 150000 - 0"_s,
+                        }));
+    EXPECT_EQ(s.rows[2].adjustmentId, 5);
+    EXPECT_EQ(s.rows[3].adjustmentId, 9);
+    EXPECT_EQ(s.totalAdjustment, R(500000));
+    EXPECT_EQ(s.balance, R(0));
+}
+
+TEST(RepaymentSchedule, ALowerAdjustmentLengthensTheLoanAndNoMonthPlansMoreThanIsOwed) {
+    const Schedule longer = Compute(terms(600000, 100000, 6, 0, u"1403/10/30"_s, u"1404/03/31"_s),
+                                    {{1, u"1403/11/01"_s, u"1403/12/30"_s, R(50000)}}, {});
+    EXPECT_EQ(lines(longer), (QStringList{
+                                 u"1403/10 100000 - - 500000"_s,
+                                 u"1403/11 100000 50000 - 450000"_s,
+                                 u"1403/12 100000 50000 - 400000"_s,
+                                 u"1404/01 100000 - - 300000"_s,
+                                 u"1404/02 100000 - - 200000"_s,
+                                 u"1404/03 100000 - - 100000"_s,
+                                 u"1404/04 100000 - - 0 S"_s,
+                             }));
+    // Instalments worth more than the amount: the last month plans what is left; an
+    // adjustment above the balance is cut to it.
+    EXPECT_EQ(lines(Compute(terms(250000, 100000, 3, 0, u"1403/01/31"_s, QString()), {}, {})),
+              (QStringList{u"1403/01 100000 - - 150000"_s, u"1403/02 100000 - - 50000"_s,
+                           u"1403/03 50000 - - 0"_s}));
+    EXPECT_EQ(lines(Compute(terms(250000, 100000, 3, 0, u"1403/01/31"_s, QString()),
+                            {{1, u"1403/02/01"_s, u"1403/02/31"_s, R(400000)}}, {})),
+              (QStringList{u"1403/01 100000 - - 150000"_s, u"1403/02 100000 150000 - 0"_s}));
+}
+
+TEST(RepaymentSchedule, PayslipRowsAreWhatWasDeducted) {
+    const QVector<Payslip> payslips = {
+        {u"1402/12"_s, R(20000)},                              // before the first instalment
+        {u"1403/01"_s, R(100000)},  {u"1403/02"_s, R(0)},      // a month with nothing deducted
+        {u"1403/03"_s, R(60000)},   {u"1403/03"_s, R(40000)},  // two rows of one month
+        {u"۱۴۰۳/۰۵"_s, R(250000)},                             // more than planned
+        {u"1403/08"_s, R(10000)},                              // after the debt was paid
+        {u"not a month"_s, R(999)},
+    };
+    const Schedule s =
+        Compute(terms(600000, 100000, 6, 0, u"1403/01/31"_s, u"1403/06/31"_s), {}, payslips);
+    EXPECT_EQ(lines(s), (QStringList{
+                            u"1402/12 0 - 20000 580000"_s,
+                            u"1403/01 100000 - 100000 480000"_s,
+                            u"1403/02 100000 - 0 480000"_s,
+                            u"1403/03 100000 - 100000 380000"_s,
+                            u"1403/04 100000 - - 280000"_s,
+                            u"1403/05 100000 - 250000 30000"_s,
+                            u"1403/06 30000 - - 0"_s,
+                            u"1403/07 0 - - 0 S"_s,
+                            u"1403/08 0 - 10000 -10000 S"_s,
+                        }));
+    EXPECT_EQ(s.totalDeducted, R(480000));
+    EXPECT_EQ(s.balance, R(-10000));
+}
+
+TEST(RepaymentSchedule, NoScheduleWithoutAnInstalmentOrStartAndNoEndlessSchedule) {
+    LoanTerms none = terms(600000, 0, 6, 0, u"1403/01/31"_s, QString());
+    none.monthlyValue.reset();
+    Schedule s = Compute(none, {}, {});
+    EXPECT_TRUE(s.rows.isEmpty());
+    EXPECT_EQ(s.balance, R(600000));
+    EXPECT_EQ(
+        s.problem,
+        u"قسط ماهيانه وام مشخص نشده است؛ برنامه بازپرداخت ساخته نمي‌شود."_s);
+    for (const qint64 monthly : {0LL, -100000LL}) {
+        s = Compute(terms(600000, monthly, 6, 0, u"1403/01/31"_s, QString()), {}, {});
+        EXPECT_TRUE(s.rows.isEmpty());
+        EXPECT_EQ(
+            s.problem,
+            u"قسط ماهيانه وام بايد بيشتر از صفر باشد؛ برنامه بازپرداخت ساخته نمي‌شود."_s);
+    }
+    s = Compute(terms(600000, 100000, 6, 0, QString(), QString()), {}, {});
+    EXPECT_EQ(
+        s.problem,
+        u"تاريخ شروع اقساط وام مشخص نشده است؛ برنامه بازپرداخت ساخته نمي‌شود."_s);
+
+    // An open-ended adjustment of nothing, and an amount no instalment count could reach,
+    // stop after a hundred years and say so.
+    s = Compute(terms(600000, 100000, 6, 0, u"1403/01/31"_s, QString()),
+                {{1, u"1403/02/01"_s, QString(), R(0)}}, {});
+    EXPECT_EQ(s.rows.size(), 1200);
+    EXPECT_EQ(
+        s.problem,
+        u"مانده وام در 1200 ماه به صفر نمي‌رسد؛ فقط 1200 ماه نخست نشان داده شده است."_s);
+    s = Compute(terms(900'000'000'000'000LL, 1, 1'000'000'000, 1, u"1403/01/31"_s, QString()), {},
+                {});
+    EXPECT_EQ(s.rows.size(), 1200);
+    EXPECT_FALSE(s.problem.isEmpty());
+}
+
+TEST(RepaymentSchedule, MonthsAndAmountsAsTheDatabaseHoldsThem) {
+    EXPECT_EQ(MonthNumber(u"۱۴۰۲/۰۵/۱۲"_s), 1402 * 12 + 4);
+    EXPECT_EQ(MonthNumber(u"1402/5"_s), 1402 * 12 + 4);
+    EXPECT_FALSE(MonthNumber(u"1402/13/01"_s));
+    EXPECT_FALSE(MonthNumber(QString()));
+    EXPECT_EQ(MonthText(1402 * 12 + 11), u"1402/12"_s);
+    EXPECT_FALSE(AmountOf(QVariant()));
+    EXPECT_EQ(AmountOf(QVariant(qlonglong(900'000'000'000'000LL))), R(900'000'000'000'000LL));
+    EXPECT_EQ(AmountOf(QVariant(2500000.5)), Currency::fromRaw(25000005000LL));
+    EXPECT_EQ(AmountOf(QVariant(u"125000"_s)), R(125000));
+    EXPECT_EQ(test::RaisedKind([] { AmountOf(QVariant(u"abc"_s)); }), KavError::Kind::TypeMismatch);
+}

@@ -7,6 +7,7 @@
 #include <QSqlQuery>
 #include <QUuid>
 #include <QVariant>
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -191,8 +192,9 @@ std::vector<Loan> demoLoans() {
     };
 }
 
-// The loan (1-based, in demoLoans order) whose instalments the payroll has deducted.
-constexpr int kPaidLoan = 5;
+// The final loans (1-based, in demoLoans order) whose instalments the payroll has deducted
+// up to the month before the working date.
+constexpr std::array<int, 6> kPaidLoans = {2, 3, 4, 5, 7, 9};
 
 struct Adjustment {
     int loan;  // 1-based, in demoLoans order
@@ -201,13 +203,45 @@ struct Adjustment {
     JDate end;  // y == 0: open-ended
     qint64 monthlyDebit;
 };
-const std::array<Adjustment, 5> kAdjustments = {{
+// Lower instalments stretch a member's repayment past the loan's settlement date (loans 2,
+// 4 and 5); a later adjustment overlapping an earlier one holds (loan 2); a higher one
+// shortens it (loan 3); loan 9's lies ahead of the working date.
+const std::array<Adjustment, 8> kAdjustments = {{
     {2, 10, {1402, 1, 1}, {1402, 6, 31}, 10'000'000},
     {3, 20, {1402, 7, 1}, {1402, 9, 30}, 5'000'000},
     {4, 27, {1402, 8, 1}, {1402, 10, 30}, 4'000'000},
     {5, 35, {1403, 4, 1}, {1403, 6, 31}, 2'000'000},
     {7, 46, {1403, 8, 1}, {0, 0, 0}, 5'000'000},
+    {2, 10, {1402, 4, 1}, {1402, 5, 31}, 15'000'000},
+    {3, 14, {1403, 8, 1}, {1403, 9, 30}, 15'000'000},
+    {9, 54, {1403, 9, 1}, {1403, 11, 30}, 3'000'000},
 }};
+
+// A month the payroll deducted nothing for a member (unpaid leave): loan, employee, month.
+struct MissedMonth {
+    int loan;
+    int employee;
+    int y, m;
+};
+constexpr MissedMonth kMissedMonth = {3, 14, 1402, 11};
+
+// What the payroll deducts from a member in the k-th month (1-based) of a loan: the
+// instalment, with the remainder where the loan puts it, an adjustment's amount while one
+// covers the month (the last recorded holds), never more than is still owed.
+qint64 deduction(int loan, int employee, const JDate& month, int k, qint64 monthly,
+                 qint64 remainder, int payBack, int option, qint64 owed) {
+    qint64 amount = monthly;
+    if (remainder > 0 && ((option == 1 && k == 1) || (option == 0 && k == payBack)))
+        amount += remainder;
+    else if (remainder > 0 && option == 2 && k == payBack + 1)
+        amount = remainder;
+    const int key = month.y * 100 + month.m;
+    for (const Adjustment& a : kAdjustments)
+        if (a.loan == loan && a.employee == employee && key >= a.begin.y * 100 + a.begin.m &&
+            (a.end.y == 0 || key <= a.end.y * 100 + a.end.m))
+            amount = a.monthlyDebit;
+    return std::min(amount, owed);
+}
 
 class Writer {
 public:
@@ -307,15 +341,21 @@ void writeLoans(Writer& w) {
                 u"SupporterEmployeeID2, SupporterEmployeeID3) values (?, ?, ?, ?, ?)"_s,
                 values);
         }
-        if (loanId == kPaidLoan) {
-            // Every instalment up to the month before the working date was deducted; the
-            // remainder went with the last one.
+        if (std::find(kPaidLoans.begin(), kPaidLoans.end(), loanId) != kPaidLoans.end()) {
+            // Every instalment up to the month before the working date was deducted, as the
+            // loan and the member's adjustments plan it, until nothing is owed.
             const qint64 remainder = l.value - monthly * l.payBack;
             for (const Member& m : l.members) {
                 JDate month{begin.y, begin.m, 1};
-                for (int k = 0; k < l.payBack; ++k, month = month.monthEnd(1)) {
+                qint64 owed = l.value;
+                for (int k = 1; owed > 0; ++k, month = month.monthEnd(1)) {
                     if (month.y * 100 + month.m >= kWorkYear * 100 + kWorkMonth) break;
-                    const qint64 paid = monthly + (k == l.payBack - 1 ? remainder : 0);
+                    qint64 paid = deduction(loanId, m.employee, month, k, monthly, remainder,
+                                            l.payBack, l.remainderOption, owed);
+                    if (loanId == kMissedMonth.loan && m.employee == kMissedMonth.employee &&
+                        month.y == kMissedMonth.y && month.m == kMissedMonth.m)
+                        paid = 0;
+                    owed -= paid;
                     w.exec(
                         u"insert into tblHRMonthlyPaiedLoan (LoanID, EmployeeID, PayMonth, "
                         u"PaidValue) values (?, ?, ?, ?)"_s,

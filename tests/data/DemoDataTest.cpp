@@ -117,8 +117,9 @@ TEST_F(DemoDatabase, PayrollHasDeductedOneFinalLoanAndAdjustmentsLieInTheirLoans
     const auto paid = s.rows(
         u"select distinct p.LoanID, l.Code from tblHRMonthlyPaiedLoan p join "
         u"tblHRLoan l on l.ID = p.LoanID"_s);
-    ASSERT_EQ(paid.size(), 1);
-    EXPECT_FALSE(paid[0][u"code"_s].isNull());
+    ASSERT_GE(paid.size(), 3);
+    // The payroll deducts final loans only.
+    for (const auto& p : paid) EXPECT_FALSE(p[u"code"_s].isNull());
     // What was deducted never exceeds a member's share.
     EXPECT_EQ(s.scalar(u"select count(*) from (select p.EmployeeID, sum(p.PaidValue) s, "
                        u"max(l.LoanValue) v from tblHRMonthlyPaiedLoan p join tblHRLoan l on l.ID "

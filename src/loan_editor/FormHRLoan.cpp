@@ -22,6 +22,7 @@
 #include "controls/FlexGrid.h"
 #include "controls/VarekCurrency.h"
 #include "controls/VarekDate.h"
+#include "loan_editor/FormHREmployee.h"
 #include "loan_editor/LoanDates.h"
 #include "loan_editor/LoanEditorSql.h"
 #include "loan_editor/LoanEditorTexts.h"
@@ -276,6 +277,20 @@ void FormHRLoan::connectHandlers() {
     connect(cmdBalance, &QPushButton::clicked, this, handler(&FormHRLoan::cmdBalance_Click));
     connect(PushButton1, &QPushButton::clicked, this, handler(&FormHRLoan::PushButton1_Click));
     connect(Timer1, &QTimer::timeout, this, handler(&FormHRLoan::Timer1_Timer));
+    // cmdDefineAccount does nothing when clicked.
+    connect(cmdRegSave, &QPushButton::clicked, this, handler(&FormHRLoan::cmdRegSave_Click));
+    connect(cmdFinSave, &QPushButton::clicked, this, handler(&FormHRLoan::cmdFinSave_Click));
+    connect(cmdDelete, &QPushButton::clicked, this, handler(&FormHRLoan::cmdDelete_Click));
+    connect(cmdBacktoTemp, &QPushButton::clicked, this, handler(&FormHRLoan::cmdBacktoTemp_Click));
+
+    // The members.
+    connect(cmdAddEmp, &QPushButton::clicked, this, handler(&FormHRLoan::cmdAddEmp_Click));
+    connect(cmdAddOrdinanceEmployees, &QPushButton::clicked, this,
+            handler(&FormHRLoan::cmdAddOrdinanceEmployees_Click));
+    connect(cmdDeleteEmp, &QPushButton::clicked, this, handler(&FormHRLoan::cmdDeleteEmp_Click));
+    connect(FlexEmployee, &FlexGrid::Click, this, handler(&FormHRLoan::FlexEmployee_Click));
+    connect(FlexEmployee, &FlexGrid::RowColChange, this,
+            handler(&FormHRLoan::FlexEmployee_RowColChange));
 
     // The terms and dates; every handler runs inside the handler boundary.
     connect(cmbLoanType, &QComboBox::activated, this, handler(&FormHRLoan::cmbLoanType_Click));
@@ -413,6 +428,94 @@ void FormHRLoan::FillLoanDetail(qint32 loanId) {
     rs.Close();
 }
 
+// ---- Members ----
+
+QStringList FormHRLoan::memberIds() const {
+    QStringList ids;
+    for (int r = 1; r < FlexEmployee->Rows(); ++r)
+        ids << FlexEmployee->TextMatrix(r, members::EmployeeIdColumn);
+    return ids;
+}
+
+void FormHRLoan::cmdAddEmp_Click() {
+    members::Guarantors g;
+    const qint32 employee = FormHREmployee::getNewEmployee(
+        module_, members::ExistingText(memberIds()), g.ids[0], g.ids[1], g.ids[2]);
+    if (employee == -1) return;
+    const data::SqlDialect& dialect = module_.DtEn().Dialect();
+    Recordset rs = module_.DtEn().NewRecordset();
+    rs.Open(loan_sql::EmployeeRow(dialect, employee));
+    if (rs.RecordCount() == 0) return;  // an employee not found adds nothing
+    // Every query runs before the grid changes, so a failing one leaves the grid as it was.
+    for (std::size_t i = 0; i < g.ids.size(); ++i) {
+        if (g.ids[i] == -1) continue;
+        Recordset guarantor = module_.DtEn().NewRecordset();
+        guarantor.Open(loan_sql::EmployeeRow(dialect, g.ids[i]));
+        if (guarantor.RecordCount() > 0)
+            g.names[i] = fieldText(guarantor.Fields(u"EmployeeName"_s));
+    }
+    FlexEmployee->AddItem();
+    const int r = FlexEmployee->Rows() - 1;
+    const QStringList cells = members::PickedRow(rs, g, r);
+    for (int c = 0; c < cells.size(); ++c) FlexEmployee->setTextMatrix(r, c, cells[c]);
+}
+
+void FormHRLoan::cmdAddOrdinanceEmployees_Click() {
+    const data::SqlDialect& dialect = module_.DtEn().Dialect();
+    Recordset rs = module_.DtEn().NewRecordset();
+    rs.Open(loan_sql::OrdinanceEmployees(dialect, members::IdList(memberIds()),
+                                         datBeginDate->englishdate(), datEndDate->englishdate()));
+    FlexEmployee->setRedraw(false);
+    for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
+        FlexEmployee->AddItem();
+        const int r = FlexEmployee->Rows() - 1;
+        const QStringList cells = members::OrdinanceRow(rs, r);
+        for (int c = 0; c < cells.size(); ++c) FlexEmployee->setTextMatrix(r, c, cells[c]);
+    }
+    FlexEmployee->setRedraw(true);
+}
+
+void FormHRLoan::cmdDeleteEmp_Click() {
+    const int row = FlexEmployee->Row();
+    if (row < 1 || row >= FlexEmployee->Rows()) return;
+    const qint32 loan = loanId();
+    const qint32 employee =
+        vb::CLng(vb::Val(LatinDigits(FlexEmployee->TextMatrix(row, members::EmployeeIdColumn))));
+    // Removed at once, without asking; the reload shows what the database now holds (rows
+    // added but not yet saved disappear with it).
+    loan_save::RunWrites(module_.DtEn().cnt(),
+                         {loan_sql::DeleteMember(module_.DtEn().Dialect(), loan, employee)});
+    FillLoanDetail(loan);
+}
+
+void FormHRLoan::updateDeleteEmp() {
+    cmdDeleteEmp->setEnabled(module_.session.LoanFormMode == ModeEdit && FlexEmployee->Rows() > 1);
+}
+
+void FormHRLoan::FlexEmployee_Click() {
+    updateDeleteEmp();
+    if (FlexEmployee->MouseRow() == 0 && FlexEmployee->MouseCol() >= 0 && FlexEmployee->Rows() > 1)
+        DoSort(1, FlexEmployee->MouseCol());
+}
+
+void FormHRLoan::FlexEmployee_RowColChange() { updateDeleteEmp(); }
+
+void FormHRLoan::DoSort(int /*kind*/, int col) {
+    const int rows = FlexEmployee->Rows();
+    const bool codes = col == members::CodeColumn;
+    if (codes)
+        for (int r = 1; r < rows; ++r)
+            FlexEmployee->setTextMatrix(r, col, FlexEmployee->TextMatrix(r, col).remove(u'/'));
+    const int code = sortCodes_.Next(col);
+    FlexEmployee->setCol(col);
+    FlexEmployee->Sort(code);
+    if (codes)
+        for (int r = 1; r < rows; ++r)
+            if (const QString cell = FlexEmployee->TextMatrix(r, col); !cell.isEmpty())
+                FlexEmployee->setTextMatrix(r, col, GroupDigits(cell));
+    for (int r = 1; r < rows; ++r) FlexEmployee->setTextMatrix(r, 0, QString::number(r));
+}
+
 // ---- Modes ----
 
 bool FormHRLoan::ViewPRSLoansInfo(qint32 loanId) {
@@ -543,6 +646,155 @@ void FormHRLoan::cmdCancel_Click() {
 }
 
 void FormHRLoan::cmdExit_Click() { close(); }
+
+// ---- Saving, deleting, back to temporary ----
+
+void FormHRLoan::cmdRegSave_Click() { SaveLoan(false); }
+
+void FormHRLoan::cmdFinSave_Click() { SaveLoan(true); }
+
+loan_save::LoanRecord FormHRLoan::loanRecord(bool isFinal) const {
+    loan_save::LoanRecord loan;
+    loan.isFinal = isFinal;
+    loan.typeId = loanTypeId();
+    loan.payDate = datLoanPayDate->englishdate();
+    loan.farsiPayDate = datLoanPayDate->farsidate();
+    loan.beginDate = datBeginDate->englishdate();
+    loan.farsiBeginDate = datBeginDate->farsidate();
+    loan.endDate = datEndDate->englishdate();
+    loan.farsiEndDate = datEndDate->farsidate();
+    loan.loanValue = txtLoanValue->Value();
+    loan.originalValue = txtOriginalValue->Value();
+    loan.monthlyValue = TxtPerMonth->Value();
+    loan.payBackNumber = txtPayBackNumber->text();
+    loan.remainderOption = UseRemainedValueInFirstMonthF->isChecked()          ? 1
+                           : UseRemainedValueInFirstMonthL->isChecked()        ? 0
+                           : UseRemainedValueInSeparatedLastMonth->isChecked() ? 2
+                                                                               : 0;
+    loan.notes = txtNotes->text();
+    for (int r = 1; r < FlexEmployee->Rows(); ++r) {
+        loan_save::MemberRow m;
+        m.employeeId = FlexEmployee->TextMatrix(r, members::EmployeeIdColumn);
+        for (int g = 0; g < 3; ++g)
+            m.guarantors[std::size_t(g)] =
+                FlexEmployee->TextMatrix(r, members::FirstGuarantorIdColumn + g);
+        loan.members << m;
+    }
+    return loan;
+}
+
+void FormHRLoan::selectMemberRow(int row) {
+    FlexEmployee->setRow(row);
+    FlexEmployee->setCol(members::EmployeeIdColumn);
+    FlexEmployee->setRowSel(row);
+    FlexEmployee->setColSel(FlexEmployee->Cols() - 1);
+    FlexEmployee->setTopRow(row);
+}
+
+bool FormHRLoan::overlapAccepted(const loan_save::LoanRecord& loan) {
+    const qint32 excluded = module_.session.LoanFormMode == ModeNew ? -1 : loanId();
+    Recordset rs = module_.DtEn().NewRecordset();
+    rs.Open(loan_save::OverlapQuery(module_.DtEn().Dialect(), loan, excluded));
+    const int conflicting = rs.RecordCount();
+    if (conflicting == 0) return true;
+    // Only a "no" stops the save; no answer at all lets it go on.
+    if (module_.AskQuestion(WarningTitle(), T::OverlapQuestionStart + QString::number(conflicting) +
+                                                T::OverlapQuestionEnd) != AnswerNo)
+        return true;
+    rs.MoveFirst();
+    const qint64 first = rs.Fields(u"EmployeeID"_s).toLongLong();
+    for (int r = 1; r < FlexEmployee->Rows(); ++r) {
+        if (qint64(vb::Val(FlexEmployee->TextMatrix(r, members::EmployeeIdColumn))) == first) {
+            selectMemberRow(r);
+            break;
+        }
+    }
+    module_.ShowMessage(T::InfoTitle, T::DuplicateMemberMarked);
+    return false;
+}
+
+void FormHRLoan::SaveLoan(bool isFinal) {
+    lblMessage->clear();
+    if (isFinal && FlexEmployee->Rows() <= 1) {
+        module_.ShowMessage(ErrorTitle(), T::NoMemberError);
+        return;
+    }
+    // The instalment and remainder agree with the amount and the count before anything is
+    // written.
+    TxtPerMonth_LostFocus();
+    const loan_save::LoanRecord loan = loanRecord(isFinal);
+    if (!loan_save::CountSql(loan.payBackNumber)) {
+        module_.ShowMessage(ErrorTitle(), T::CountNotWholeError.arg(loan.payBackNumber.trimmed()));
+        return;
+    }
+    if (!loan.members.isEmpty() && !overlapAccepted(loan)) return;
+
+    qint32 id = -1;
+    {
+        BusyPointer busy;
+        // A failure rolls everything back and leaves the window in its mode with its contents;
+        // the loan's id is shown only once it is stored.
+        id = loan_save::WriteLoan(module_.DtEn().cnt(), loan,
+                                  module_.session.LoanFormMode == ModeNew
+                                      ? std::nullopt
+                                      : std::optional<qint32>(loanId()));
+    }
+    txtID->setText(QString::number(id));
+    // The loan is stored; what follows only shows it, and a failure there is not the save's.
+    try {
+        cmdNew->setFocus();
+        FillLoan(id);
+    } catch (...) {
+    }
+    module_.session.LoanFormMode = ModeView;
+    try {
+        DisableLockComponent();
+    } catch (...) {
+    }
+    module_.session.LoanEditStarted = 0;
+}
+
+void FormHRLoan::cmdDelete_Click() {
+    if (!module_.HasPermission(PermissionNewOrDeleteLoan)) {
+        module_.ShowRoleRefusal();
+        return;
+    }
+    const QString& title = module_.session.SessionTitle;
+    lblMessage->setText(T::StatusDeletePrefix + title);
+    if (module_.AskQuestion(T::DeleteTitlePrefix + title, T::AreYouSure) != AnswerYes) return;
+    const int paid = paidInstalmentCount();
+    if (paid > 0) {
+        module_.ShowMessage(T::TroubleTitle,
+                            T::PaidRefusalStart + QString::number(paid) + T::PaidRefusalDeleteEnd);
+        return;
+    }
+    lblMessage->setText(u" "_s);
+    if (!txtID->text().isEmpty()) {
+        loan_save::RunWrites(module_.DtEn().cnt(),
+                             loan_save::DeleteLoan(module_.DtEn().Dialect(), loanId()));
+        // The loan is gone: the window no longer shows a stored loan.
+        txtID->clear();
+        module_.session.LoanFormMode = ModeEmpty;
+        DisableLockComponent();
+    }
+    Clear();
+    module_.session.LoanFormMode = ModeEmpty;
+    DisableLockComponent();
+    cmdExit->setFocus();
+}
+
+void FormHRLoan::cmdBacktoTemp_Click() {
+    if (module_.AskQuestion(T::QuestionTitle, T::BackToTempQuestion) != AnswerYes) return;
+    const int paid = paidInstalmentCount();
+    if (paid > 0) {
+        module_.ShowMessage(T::TroubleTitle,
+                            T::PaidRefusalStart + QString::number(paid) + T::PaidRefusalBackEnd);
+        return;
+    }
+    loan_save::RunWrites(module_.DtEn().cnt(), {loan_save::BackToTemporary(loanId())});
+    txtCode->clear();
+    DisableLockComponent();
+}
 
 void FormHRLoan::cmdSearch_Click() { module_.port<SearchPort>().ShowSearch(); }
 

@@ -8,6 +8,8 @@
 #include <QVariant>
 #include <optional>
 
+#include "loan_editor/LoanMembers.h"
+#include "loan_editor/LoanSave.h"
 #include "loan_editor/LoanTerms.h"
 #include "session/Vb.h"
 #include "session/WindowPorts.h"
@@ -46,6 +48,8 @@ public:
     void ShowFormToInsert();
     void Clear();
     QString getNextMonth(const QString& date) const;
+    // Sorts the member rows by a column on a header click; `kind` is not used.
+    void DoSort(int kind, int col);
     void DisableLockComponent();
     void FillLoanDetail(qint32 loanId);
     void InitialFlexEmployee();
@@ -64,6 +68,17 @@ public:
     void cmdExit_Click();
     void cmdSearch_Click();
     void cmdBalance_Click();
+    // Saving (temporary or final), deleting and returning to temporary.
+    void cmdRegSave_Click();
+    void cmdFinSave_Click();
+    void cmdDelete_Click();
+    void cmdBacktoTemp_Click();
+    // The members.
+    void cmdAddEmp_Click();
+    void cmdAddOrdinanceEmployees_Click();
+    void cmdDeleteEmp_Click();
+    void FlexEmployee_Click();
+    void FlexEmployee_RowColChange();
     void PushButton1_Click();
     void Timer1_Timer();
     // The closing questions; false cancels the closing.
@@ -166,6 +181,19 @@ private:
     // Payslip rows of the loan in txtID.
     int paidInstalmentCount();
 
+    // Saving: steps in order; nothing is written unless every check passes.
+    void SaveLoan(bool isFinal);
+    // The loan as the controls and the member grid hold it.
+    loan_save::LoanRecord loanRecord(bool isFinal) const;
+    // The overlap check of a save; false when the clerk answered no (the first conflicting
+    // member is then selected).
+    bool overlapAccepted(const loan_save::LoanRecord& loan);
+    void selectMemberRow(int row);
+    // Column 1 of the member rows.
+    QStringList memberIds() const;
+    // cmdDeleteEmp is on exactly while editing a loan that has a member row.
+    void updateDeleteEmp();
+
     // The fields the term and date rules read, as the controls hold them now.
     loan::TermsFields termsFields() const;
     loan::DateFields dateFields() const;
@@ -181,6 +209,7 @@ private:
     QDate beginDateAtFocus;
     QDate endDateAtFocus;
     QButtonGroup* remainderGroup_;
+    members::SortCodes sortCodes_;
 };
 
 }  // namespace kav

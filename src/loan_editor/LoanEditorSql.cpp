@@ -8,7 +8,9 @@ namespace {
 QString number(qint64 value) { return QString::number(value); }
 }  // namespace
 
-QString FillLoan(qint32 loanId) { return u"select * from vwHRLoanData where ID ="_s + number(loanId); }
+QString FillLoan(qint32 loanId) {
+    return u"select * from vwHRLoanData where ID ="_s + number(loanId);
+}
 
 QString LoanTypes() { return u"select * from tblHRLoanType"_s; }
 
@@ -16,7 +18,9 @@ QString LoanTypeMaxValue(qint64 typeId) {
     return u"Select MaxValue from tblHRLoanType where ID="_s + number(typeId);
 }
 
-QString LoanTypeRow(qint64 typeId) { return u"select * from tblHRLoanType where ID="_s + number(typeId); }
+QString LoanTypeRow(qint64 typeId) {
+    return u"select * from tblHRLoanType where ID="_s + number(typeId);
+}
 
 QString MemberGrid(const data::SqlDialect& dialect, qint32 loanId) {
     const QString plus = dialect.concatOperator();
@@ -33,6 +37,29 @@ QString MemberGrid(const data::SqlDialect& dialect, qint32 loanId) {
 
 QString PaidInstalments(qint32 loanId) {
     return u"Select * from tblHRMonthlyPaiedLoan Where LoanID="_s + number(loanId);
+}
+
+QString EmployeeRow(const data::SqlDialect& dialect, qint32 employeeId) {
+    const QString plus = dialect.concatOperator();
+    return u"select e.ID, e.Code, e.FirstName "_s + plus + u"' '"_s + plus +
+           u"e.SureName as 'EmployeeName' from tblEmployee e Where e.ID="_s + number(employeeId);
+}
+
+QString OrdinanceEmployees(const data::SqlDialect& dialect, const QString& idList,
+                           const QDate& begin, const QDate& end) {
+    const QString plus = dialect.concatOperator();
+    const QString endText = dialect.dateText(end.isValid() ? end : QDate(2050, 1, 1));
+    const QString beginText = dialect.dateText(begin.isValid() ? begin : QDate(1900, 1, 1));
+    return u"select distinct x.EmployeeID, e.Code, e.FirstName "_s + plus + u"' '"_s + plus +
+           u"e.SureName as 'EmployeeName' from tblEmployee e inner join tblHROrdinance x on "
+           u"x.EmployeeID=e.ID Where e.ID not in ("_s +
+           idList + u") and Not (x.BeginDate>'"_s + endText + u"' or x.EndDate<'"_s + beginText +
+           u"')"_s;
+}
+
+QString DeleteMember(const data::SqlDialect& dialect, qint32 loanId, qint32 employeeId) {
+    return dialect.deleteFrom(u"tblHRLoanDetail"_s) + u" where LoanID="_s + number(loanId) +
+           u" and EmployeeID="_s + number(employeeId) + u" "_s;
 }
 
 }  // namespace kav::loan_sql

@@ -73,4 +73,32 @@ inline const QString LabelID = u"شماره رايانه اي:"_s;
 inline const QString CaptionIsValid = u"معتبر"_s;
 inline const QString FrameMembers = u"کارمندان و ضامنين وام"_s;
 
+// Saving a loan.
+inline const QString NoMemberError = u"هيچ کارمندي مشخص نشده است."_s;
+// A count of instalments that is not a whole number is never written (%1: the count typed).
+inline const QString CountNotWholeError = u"تعداد اقساط «%1» عدد صحيح نيست؛ وام ثبت نشد."_s;
+// The overlap question: this, the number of members, then OverlapQuestionEnd.
+inline const QString OverlapQuestionStart = u"تعداد «"_s;
+inline const QString OverlapQuestionEnd =
+    u"» کارمند قبلا در صندوقي با زمان متداخل وجود دارد، آيا از ثبت مطمئن هستيد؟"_s;
+inline const QString DuplicateMemberMarked = u"کاربر تکراري در جدول مشخص شده است."_s;
+// Returning a final loan to temporary.
+inline const QString BackToTempQuestion = u"آيا قصد بازگشت به حالت موقت داريد؟"_s;
+inline const QString QuestionTitle = u"پرسش"_s;
+
+// The employee picker.
+inline const QString PickerCaption = u"تعيين کارمند"_s;
+inline const QString LabelBorrower = u"كارمند:"_s;
+inline const QString LabelGuarantor1 = u"ضامن 1:"_s;
+inline const QString LabelGuarantor2 = u"ضامن 2:"_s;
+inline const QString LabelGuarantor3 = u"ضامن 3:"_s;
+inline const QString CaptionOK = u"تاييد"_s;
+inline const QString DuplicateEmployeeWarning = u"کارمند موردنظر تکراري است."_s;
+inline const QString NoEmployeeError = u"کارمند مشخص نشده است!"_s;
+// Employees with work status 3 are never borrowers.
+inline const QString BorrowerFilter =
+    u" ID not in (Select x.ID from tblEmployee x Where x.WorkStatusID=3)"_s;
+inline const QString EmployeeMajorView = u"vwEmployeeMajor"_s;
+inline const QString EmployeeMinorView = u"vwEmployeeMinor"_s;
+
 }  // namespace kav::editor_texts

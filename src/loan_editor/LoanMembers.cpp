@@ -1,5 +1,6 @@
 #include "loan_editor/LoanMembers.h"
 
+#include "base/Errors.h"
 #include "session/DataEnvironment.h"
 #include "session/Vb.h"
 
@@ -12,8 +13,16 @@ namespace {
 // A field as the grid shows it: Null is the empty text, numbers in plain decimal.
 QString cellText(const QVariant& v) {
     if (v.isNull()) return QString();
-    if (v.typeId() == QMetaType::Double || v.typeId() == QMetaType::Float) return vb::CStr(v.toDouble());
+    if (v.typeId() == QMetaType::Double || v.typeId() == QMetaType::Float)
+        return vb::CStr(v.toDouble());
     return v.toString();
+}
+
+QStringList row(int rowNumber, const QVariant& id, const QVariant& code, const QString& name) {
+    QStringList cells;
+    cells.reserve(GridColumns);
+    cells << QString::number(rowNumber) << cellText(id) << cellText(code) << name;
+    return cells;
 }
 
 }  // namespace
@@ -25,16 +34,55 @@ QString GuarantorCell(const QVariant& id) {
     return text.isEmpty() ? NullCell() : text;
 }
 
+QString GuarantorCell(qint32 id) { return id == -1 ? NullCell() : QString::number(id); }
+
 QStringList LoadedRow(const Recordset& rs, int rowNumber) {
-    QStringList cells;
-    cells.reserve(GridColumns);
-    cells << QString::number(rowNumber) << cellText(rs.Fields(u"EmployeeID"_s))
-          << cellText(rs.Fields(u"Code"_s))
-          << cellText(rs.Fields(u"FirstName"_s)) + u"  "_s + cellText(rs.Fields(u"SureName"_s));
+    QStringList cells =
+        row(rowNumber, rs.Fields(u"EmployeeID"_s), rs.Fields(u"Code"_s),
+            cellText(rs.Fields(u"FirstName"_s)) + u"  "_s + cellText(rs.Fields(u"SureName"_s)));
     for (int g = 1; g <= 3; ++g) cells << cellText(rs.Fields(u"Supporter"_s + QString::number(g)));
     for (int g = 1; g <= 3; ++g)
         cells << GuarantorCell(rs.Fields(u"supporterEmployeeid"_s + QString::number(g)));
     return cells;
+}
+
+QStringList PickedRow(const Recordset& employee, const Guarantors& guarantors, int rowNumber) {
+    QStringList cells = row(rowNumber, employee.Fields(u"ID"_s), employee.Fields(u"Code"_s),
+                            cellText(employee.Fields(u"EmployeeName"_s)));
+    for (const QString& name : guarantors.names) cells << name;
+    for (const qint32 id : guarantors.ids) cells << GuarantorCell(id);
+    return cells;
+}
+
+QStringList OrdinanceRow(const Recordset& rs, int rowNumber) {
+    QStringList cells = row(rowNumber, rs.Fields(u"EmployeeID"_s), rs.Fields(u"Code"_s),
+                            cellText(rs.Fields(u"EmployeeName"_s)));
+    cells << QString() << QString() << QString() << NullCell() << NullCell() << NullCell();
+    return cells;
+}
+
+QString ExistingText(const QStringList& memberIds) {
+    QString text;
+    for (const QString& id : memberIds) text += u"("_s + id + u")"_s;
+    return text;
+}
+
+QString IdList(const QStringList& memberIds) {
+    QStringList ids;
+    for (const QString& id : memberIds)
+        if (!id.isEmpty()) ids << id;
+    return ids.isEmpty() ? u"-1"_s : ids.join(u',');
+}
+
+int SortCodes::Next(int column) {
+    if (column < 0 || column >= int(codes_.size()))
+        throw KavError(KavError::Kind::Usage, u"ستون %1 براي مرتب سازي وجود ندارد."_s.arg(column));
+    int& code = codes_[std::size_t(column)];
+    if (column == CodeColumn)
+        code = code == 3 ? 4 : 3;
+    else
+        code = code == 1 ? 2 : 1;
+    return code;
 }
 
 }  // namespace kav::members

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <array>
 
 namespace kav {
 class Recordset;
@@ -16,15 +17,51 @@ class Recordset;
 namespace kav::members {
 
 constexpr int GridColumns = 10;
+// The columns the save reads.
+constexpr int EmployeeIdColumn = 1;
+constexpr int CodeColumn = 2;
+constexpr int FirstGuarantorIdColumn = 7;
 
 // The text a guarantor's ID cell holds when there is no guarantor.
 QString NullCell();
 // A guarantor ID as its cell: "null" for a Null or empty field.
 QString GuarantorCell(const QVariant& id);
+// A guarantor chosen in the picker as its cell: "null" for -1.
+QString GuarantorCell(qint32 id);
 
 // The 10 cells of a row of the member query (FillLoanDetail) at the recordset's current
 // row: the number, EmployeeID, Code, FirstName and SureName joined by two blanks, the
 // guarantors' names and their IDs.
 QStringList LoadedRow(const Recordset& rs, int rowNumber);
+
+// The guarantors chosen with a member: their IDs (-1 for none) and, where found, names.
+struct Guarantors {
+    std::array<qint32, 3> ids{-1, -1, -1};
+    std::array<QString, 3> names;
+};
+// The 10 cells of a member picked by the clerk, from the current row of the one-employee
+// query (ID, Code, EmployeeName: the name with one blank).
+QStringList PickedRow(const Recordset& employee, const Guarantors& guarantors, int rowNumber);
+// The 10 cells of an employee found by the ordinance query (EmployeeID, Code,
+// EmployeeName), without guarantors.
+QStringList OrdinanceRow(const Recordset& rs, int rowNumber);
+
+// The members already on the loan as the picker reads them: "(" + ID + ")" for each ID, in
+// order, so (12)(40) for 12 and 40.
+QString ExistingText(const QStringList& memberIds);
+// The IDs joined with "," for an "in (...)" list, empty cells skipped; "-1" for none.
+QString IdList(const QStringList& memberIds);
+
+// The per-column sort directions of the member grid's header clicks (columns 0-10, all 0
+// at first). Column 2, the personnel code, sorts numerically: 3 ascending, then 4
+// descending, alternating; every other column generically: 1 ascending, then 2.
+class SortCodes {
+public:
+    // The code of the next sort of a column; a column outside 0-10 raises KavError (Usage).
+    int Next(int column);
+
+private:
+    std::array<int, 11> codes_{};
+};
 
 }  // namespace kav::members

@@ -1,5 +1,9 @@
 #include "EditorFixture.h"
 
+#include <QPushButton>
+
+#include "controls/VarekSelector.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kav::test {
@@ -38,6 +42,37 @@ void EditorTest::SetUp() {
     t.grant(1, {111801, 111802, 111803});
     session().SessionUserID = 1;
     session().SessionTitle = u"وام کارمندان"_s;
+}
+
+void Choose(controls::VarekSelector& selector, qint32 employeeId) {
+    selector.setValue(employeeId);
+    emit selector.Changed();
+}
+
+PickerSteps Pick(qint32 employee, std::array<qint32, 3> guarantors) {
+    return [=](FormHREmployee& p) {
+        Choose(*p.sltEmployeeID, employee);
+        controls::VarekSelector* boxes[] = {p.sltSupportEmployeeID1, p.sltSupportEmployeeID2,
+                                            p.sltSupportEmployeeID3};
+        for (int i = 0; i < 3; ++i)
+            if (guarantors[std::size_t(i)] != -1) Choose(*boxes[i], guarantors[std::size_t(i)]);
+        p.cmdOK->click();
+    };
+}
+
+void EditorTest::OnPicker(PickerSteps steps) {
+    t.module.SetModalRunner([this, steps](QDialog& d) {
+        ++t.modalShown;
+        if (auto* picker = qobject_cast<FormHREmployee*>(&d)) steps(*picker);
+        return 0;
+    });
+}
+
+void EditorTest::AddMembers(std::initializer_list<qint32> employees) {
+    for (const qint32 id : employees) {
+        OnPicker(Pick(id));
+        editor().cmdAddEmp_Click();
+    }
 }
 
 }  // namespace kav::test

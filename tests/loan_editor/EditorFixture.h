@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <functional>
+
+#include "loan_editor/FormHREmployee.h"
 #include "loan_editor/FormHRLoan.h"
 #include "support/TestDatabase.h"
 
@@ -11,20 +15,31 @@ namespace kav::test {
 
 // Loans the fixture stores.
 enum SeedLoan : qint16 {
-    TemporaryLoan = 1,  // type 1, two members, remainder in the first month
-    FinalLoan = 2,      // code 7, remainder in the last month
+    TemporaryLoan = 1,  // type 1, members 1 (guarantors 2, 3) and 4, remainder in the first month
+    FinalLoan = 2,      // type 2, code 7, member 2, remainder in the last month
     SparseLoan = 3,     // Nulls wherever a loan may hold them
-    SeparateLoan = 4,   // remainder in a separate month
-    PaidLoan = 5,       // temporary, with two payslip rows
+    SeparateLoan = 4,   // type 1, no members, remainder in a separate month
+    PaidLoan = 5,       // temporary, member 3, with two payslip rows
 };
 
 void SeedLoans(const TestDatabase& db);
+
+// What the clerk does in the employee picker when the editor opens it.
+using PickerSteps = std::function<void(FormHREmployee&)>;
+// Chooses an employee in a selector as the clerk does: its change event is raised.
+void Choose(controls::VarekSelector& selector, qint32 employeeId);
+// Chooses the borrower and the guarantors (-1: none) and confirms with OK.
+PickerSteps Pick(qint32 employee, std::array<qint32, 3> guarantors = {-1, -1, -1});
 
 class EditorTest : public ::testing::Test {
 protected:
     void SetUp() override;
     FormHRLoan& editor() { return t.module.Window<FormHRLoan>(); }
     Session& session() { return t.module.session; }
+    // Every modal window from now on: the picker runs the steps, any other shows nothing.
+    void OnPicker(PickerSteps steps);
+    // Adds members through the picker, one cmdAddEmp click each.
+    void AddMembers(std::initializer_list<qint32> employees);
     TestModule t;
 };
 

@@ -1,0 +1,143 @@
+#include "loan_editor/LoanSave.h"
+
+#include <QRegularExpression>
+
+#include "base/Errors.h"
+#include "loan_editor/LoanEditorTexts.h"
+#include "session/DataEnvironment.h"
+#include "session/TextProcs.h"
+#include "session/Vb.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kav::loan_save {
+
+namespace {
+
+QString number(qint64 value) { return QString::number(value); }
+
+// An amount box's value text as a plain decimal; an empty box is 0.
+QString amount(const QString& valueText) {
+    if (valueText.trimmed().isEmpty()) return u"0"_s;
+    return AmountCurrency(LatinDigits(valueText)).toString();
+}
+
+// A Jalali date text between quotes.
+QString farsi(const QString& text) { return SqlQuote(text); }
+
+QString count(const QString& payBackNumber) {
+    const std::optional<QString> sql = CountSql(payBackNumber);
+    if (!sql)
+        throw KavError(KavError::Kind::TypeMismatch,
+                       editor_texts::CountNotWholeError.arg(payBackNumber.trimmed()));
+    return *sql;
+}
+
+}  // namespace
+
+std::optional<QString> CountSql(const QString& payBackNumber) {
+    const QString text = LatinDigits(payBackNumber).trimmed();
+    if (text.isEmpty()) return u"Null"_s;
+    static const QRegularExpression digits(u"^[0-9]{1,10}$"_s);
+    if (!digits.match(text).hasMatch()) return std::nullopt;
+    const qint64 value = text.toLongLong();
+    if (value > 2147483647) return std::nullopt;
+    return number(value);
+}
+
+QString MemberList(const LoanRecord& loan) {
+    QStringList ids;
+    for (const MemberRow& m : loan.members) ids << m.employeeId;
+    return ids.join(u',');
+}
+
+QString OverlapQuery(const data::SqlDialect& dialect, const LoanRecord& loan,
+                     qint32 excludedLoanId) {
+    return u"Select distinct EmployeeID from tblHRLoanDetail Where EmployeeID in ("_s +
+           MemberList(loan) + u") and LoanID <> "_s + number(excludedLoanId) +
+           u" and LoanID in (Select x.ID from tblHRLoan x Where Not (x.BeginDate>'"_s +
+           dialect.dateText(loan.endDate) + u"' Or x.EndDate < '"_s +
+           dialect.dateText(loan.beginDate) + u"') and TypeID="_s + number(loan.typeId) + u")"_s;
+}
+
+QString InsertHeader(const data::SqlDialect& dialect, const LoanRecord& loan) {
+    // The fifth and seventh values are the end date's Jalali text and Gregorian date; the
+    // update that always follows writes every column again with its own value.
+    return u"insert into tblHRLoan (TypeID, PaymentDate, FarsiPaymentDate, BeginDate, "
+           u"FarsiBeginDate, EndDate, FarsiEndDate, LoanValue) Values ("_s +
+           number(loan.typeId) + u", '"_s + dialect.dateText(loan.payDate) + u"', '"_s +
+           farsi(loan.farsiPayDate) + u"', '"_s + dialect.dateText(loan.beginDate) + u"', '"_s +
+           farsi(loan.farsiEndDate) + u"', '"_s + dialect.dateText(loan.endDate) + u"', '"_s +
+           dialect.dateText(loan.endDate) + u"', "_s + amount(loan.loanValue) + u")"_s;
+}
+
+QString MaxId() { return u"Select MAX(ID) as MAXID from tblHRLoan"_s; }
+
+QStringList Writes(const data::SqlDialect& dialect, const LoanRecord& loan, qint32 loanId) {
+    const QString code =
+        loan.isFinal
+            ? u" "_s + dialect.isNullFunction() +
+                  u"((Select MAX(x.CODE) from tblHRLoan x Where x.Code is not null), 0)+1"_s
+            : u"NULL"_s;
+    const QString notes =
+        loan.notes.trimmed().isEmpty() ? u"Null"_s : u"'"_s + SqlQuote(loan.notes) + u"'"_s;
+    QStringList statements;
+    statements << u"Update tblHRLoan"_s + u" Set TypeID = "_s + number(loan.typeId) +
+                      u", Code = "_s + code + u", PaymentDate = '"_s +
+                      dialect.dateText(loan.payDate) + u"'"_s + u", FarsiPaymentDate = '"_s +
+                      farsi(loan.farsiPayDate) + u"'"_s + u", BeginDate = '"_s +
+                      dialect.dateText(loan.beginDate) + u"'"_s + u", FarsiBeginDate = '"_s +
+                      farsi(loan.farsiBeginDate) + u"'"_s + u", EndDate = '"_s +
+                      dialect.dateText(loan.endDate) + u"'"_s + u", FarsiEndDate = '"_s +
+                      farsi(loan.farsiEndDate) + u"'"_s + u", OriginalLoanValue="_s +
+                      amount(loan.originalValue) + u", MonthlyValue="_s +
+                      amount(loan.monthlyValue) + u", LoanValue="_s + amount(loan.loanValue) +
+                      u", PayBackNumber="_s + count(loan.payBackNumber) +
+                      u", UseRemainedValueInFirstMonth="_s + number(loan.remainderOption) +
+                      u", Notes="_s + notes + u" Where ID= "_s + number(loanId);
+    statements << dialect.deleteFrom(u"tblHRLoanDetail"_s) + u" Where LoanID="_s + number(loanId);
+    for (const MemberRow& m : loan.members)
+        statements << u"insert into tblHRLoanDetail(LoanID, EmployeeID, SupporterEmployeeID1, "
+                      u"SupporterEmployeeID2, SupporterEmployeeID3) Values ("_s +
+                          number(loanId) + u", "_s + m.employeeId + u", "_s + m.guarantors[0] +
+                          u", "_s + m.guarantors[1] + u", "_s + m.guarantors[2] + u")"_s;
+    return statements;
+}
+
+QStringList DeleteLoan(const data::SqlDialect& dialect, qint32 loanId) {
+    return {
+        dialect.deleteFrom(u"tblHRLoanDetail"_s) + u" where LoanID="_s + number(loanId) + u" "_s,
+        dialect.deleteFrom(u"tblHRLoan"_s) + u" where ID="_s + number(loanId) + u" "_s};
+}
+
+QString BackToTemporary(qint32 loanId) {
+    return u"Update tblHRLoan Set Code = Null where ID="_s + number(loanId);
+}
+
+QString LockName() { return u"KAVHRLoan"_s; }
+
+void RunWrites(Connection& cnt, const QStringList& statements) {
+    WriteTransaction tx(cnt, LockName());
+    for (const QString& sql : statements) cnt.Execute(sql);
+    tx.Commit();
+}
+
+qint32 WriteLoan(Connection& cnt, const LoanRecord& loan, std::optional<qint32> loanId) {
+    count(loan.payBackNumber);  // a count that cannot be written stops the save here
+    const data::SqlDialect& dialect = cnt.Dialect();
+    WriteTransaction tx(cnt, LockName());
+    qint32 id = loanId.value_or(-1);
+    if (!loanId) {
+        cnt.Execute(InsertHeader(dialect, loan));
+        Recordset rs(cnt);
+        rs.Open(MaxId());
+        if (rs.RecordCount() > 0 && !rs.IsNull(u"MAXID"_s))
+            id = vb::CLng(rs.Fields(u"MAXID"_s).toDouble());
+        rs.Close();
+    }
+    for (const QString& sql : Writes(dialect, loan, id)) cnt.Execute(sql);
+    tx.Commit();
+    return id;
+}
+
+}  // namespace kav::loan_save

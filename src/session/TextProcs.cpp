@@ -40,15 +40,23 @@ QString GroupDigits(const QVariant& value) {
         text = vb::CStr(value.toDouble());
     else
         text = value.toString();
-    // Up to four characters stay as they are; longer texts are grouped by threes.
-    qsizetype n = text.size();
+    // Only the digits of the whole-number part are grouped: a sign before them and a
+    // fraction (or anything else) after them stay as they are. Up to four digits stay
+    // ungrouped; longer runs are grouped by threes from the right. A text that does not
+    // start with digits is returned unchanged.
+    qsizetype first = 0;
+    if (first < text.size() && (text[first] == u'-' || text[first] == u'+')) ++first;
+    qsizetype end = first;
+    while (end < text.size() && text[end] >= u'0' && text[end] <= u'9') ++end;
+    const QString digits = text.mid(first, end - first);
+    qsizetype n = digits.size();
     if (n <= 4) return text;
-    QString result;
+    QString grouped;
     while (n > 3) {
-        result = u'/' + text.mid(n - 3, 3) + result;
+        grouped.prepend(u'/' + digits.mid(n - 3, 3));
         n -= 3;
     }
-    return text.left(n) + result;
+    return text.left(first) + digits.left(n) + grouped + text.mid(end);
 }
 
 QVariant CellNumber(const QString& text) {

@@ -20,8 +20,10 @@ QString SqlQuote(const QString& text);
 // A text that is no number after removing the slashes raises the type-mismatch error.
 vb::Currency DateDigits(const QString& text);
 
-// Groups the digits of a value by threes with "/": a text of at most four characters stays
-// as it is; 12345 -> 12/345, 1234567 -> 1/234/567.
+// Groups the whole-number digits of a value by threes with "/": up to four digits stay as
+// they are; 12345 -> 12/345, 1234567 -> 1/234/567. A sign and a fraction are kept:
+// -150000 -> -150/000, 1500.5 -> 1500.5, 12345.5 -> 12/345.5. A text that does not start
+// with a number comes back as given.
 QString GroupDigits(const QVariant& value);
 
 // A grid cell, check mark or Persian date as a comparable number. Never fails: blanks give

@@ -2,6 +2,7 @@
 
 #include <QRegularExpression>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 #include "base/Errors.h"
@@ -89,9 +90,11 @@ double Val(const QString& text) {
     QString number;
     scanNumber(text, 0, &number);
     if (number.isEmpty()) return 0.0;
-    bool ok = false;
-    const double v = number.toDouble(&ok);
-    return ok ? v : 0.0;
+    // An exponent too large for a double is the overflow error; one too small reads as 0.
+    const QByteArray latin = number.toLatin1();
+    const double v = std::strtod(latin.constData(), nullptr);
+    if (std::isinf(v)) overflow();
+    return v;
 }
 
 bool IsNumeric(const QString& text) {
@@ -160,11 +163,17 @@ QString Str(double value) {
 }
 
 Currency Currency::fromDouble(double value) {
-    if (std::isnan(value)) overflow();
-    const double scaled = roundHalfEven(value * double(Scale));
-    // The range of a 64-bit integer; the ends are not exactly representable as doubles.
-    if (scaled <= -9.2233720368547758e18 || scaled >= 9.2233720368547758e18) overflow();
-    return fromRaw(static_cast<qint64>(scaled));
+    if (!std::isfinite(value)) overflow();
+    // The whole part and the fraction apart: both are exact in a double, so the amount is
+    // scaled without losing the units near the top of the range.
+    const double whole = std::trunc(value);
+    if (std::fabs(whole) > double(std::numeric_limits<qint64>::max() / Scale) + 1) overflow();
+    const double fraction = roundHalfEven((value - whole) * double(Scale));
+    qint64 raw = 0;
+    if (__builtin_mul_overflow(static_cast<qint64>(whole), Scale, &raw) ||
+        __builtin_add_overflow(raw, static_cast<qint64>(fraction), &raw))
+        overflow();
+    return fromRaw(raw);
 }
 
 QString Currency::toString() const {
@@ -215,16 +224,26 @@ Currency CCur(const QString& text) {
     // Four decimals, the fifth and later rounded half to even.
     QString four = frac.left(4).leftJustified(4, u'0');
     const QString rest = frac.mid(4);
+    // The magnitude in ten-thousandths, unsigned, so that the most negative amount fits;
+    // every step is checked, so an amount past either end is the overflow error.
     bool ok = false;
-    const qint64 w = whole.toLongLong(&ok);
-    if (!ok || w > std::numeric_limits<qint64>::max() / Currency::Scale) overflow();
-    qint64 raw = w * Currency::Scale + four.toLongLong();
+    const quint64 w = whole.toULongLong(&ok);
+    if (!ok) overflow();
+    quint64 magnitude = 0;
+    if (__builtin_mul_overflow(w, quint64(Currency::Scale), &magnitude) ||
+        __builtin_add_overflow(magnitude, four.toULongLong(), &magnitude))
+        overflow();
     if (!rest.isEmpty()) {
         const int first = rest[0].digitValue();
         const bool tail = rest.mid(1).contains(QRegularExpression(u"[1-9]"_s));
-        if (first > 5 || (first == 5 && (tail || (raw % 2) != 0))) ++raw;
+        if ((first > 5 || (first == 5 && (tail || (magnitude % 2) != 0))) &&
+            __builtin_add_overflow(magnitude, quint64(1), &magnitude))
+            overflow();
     }
-    return Currency::fromRaw(negative ? -raw : raw);
+    const quint64 limit = negative ? quint64(std::numeric_limits<qint64>::max()) + 1
+                                   : quint64(std::numeric_limits<qint64>::max());
+    if (magnitude > limit) overflow();
+    return Currency::fromRaw(negative ? qint64(quint64(0) - magnitude) : qint64(magnitude));
 }
 
 }  // namespace kav::vb

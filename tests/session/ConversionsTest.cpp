@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "base/Errors.h"
 #include "session/TextProcs.h"
 #include "session/Vb.h"
+#include "support/QtPrinters.h"
 #include "support/Raises.h"
 
 using namespace Qt::StringLiterals;
@@ -18,6 +21,9 @@ TEST(Conversions, ValReadsTheLeadingNumber) {
     EXPECT_EQ(Val(u"1 000"_s), 1000);  // blanks between digits are skipped
     EXPECT_EQ(Val(u"1e3x"_s), 1000);
     EXPECT_EQ(Val(u"1403/05/12"_s), 1403);
+    EXPECT_EQ(Val(u"1e-999"_s), 0);  // too small: nothing left
+    EXPECT_EQ(test::RaisedKind([] { Val(u"1e999"_s); }), KavError::Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([] { CDbl(u"-2E+400"_s); }), KavError::Kind::Overflow);
 }
 
 TEST(Conversions, WholeNumbersRoundHalfToEvenAndOverflow) {
@@ -60,6 +66,27 @@ TEST(Conversions, CurrencyKeepsFourDecimalsExactly) {
     EXPECT_EQ(CCur(u"1000"_s), CCur(1000.0));
 }
 
+// The ends of the currency range: 922337203685477.5807 and -922337203685477.5808. Past them
+// every way of making or adding an amount is the overflow error, never a wrapped amount.
+TEST(Conversions, CurrencyOverflowsAtTheEndsOfItsRange) {
+    EXPECT_EQ(CCur(u"922337203685477.5807"_s).raw(), std::numeric_limits<qint64>::max());
+    EXPECT_EQ(CCur(u"-922337203685477.5808"_s).raw(), std::numeric_limits<qint64>::min());
+    EXPECT_EQ(CCur(u"-922337203685477.5808"_s).toString(), u"-922337203685477.5808"_s);
+    EXPECT_EQ(CCur(922337203685477.0).toString(), u"922337203685477"_s);
+    for (const QString& text :
+         {u"922337203685477.5808"_s, u"922337203685477.9"_s, u"922337203685477.58075"_s,
+          u"922337203685478"_s, u"-922337203685477.5809"_s, u"99999999999999999999"_s})
+        EXPECT_EQ(test::RaisedKind([&] { CCur(text); }), KavError::Kind::Overflow)
+            << text.toStdString();
+    EXPECT_EQ(test::RaisedKind([] { CCur(922337203685478.0); }), KavError::Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([] { CCur(-922337203685478.0); }), KavError::Kind::Overflow);
+    const Currency top = CCur(u"922337203685477"_s);
+    EXPECT_EQ(test::RaisedKind([&] { (void)(top + CCur(u"1"_s)); }), KavError::Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([&] { (void)(CCur(u"-922337203685477"_s) - CCur(u"1"_s)); }),
+              KavError::Kind::Overflow);
+    EXPECT_EQ((top - CCur(u"1"_s)).toString(), u"922337203685476"_s);
+}
+
 TEST(TextProcedures, SqlQuoteDoublesApostrophes) {
     EXPECT_EQ(SqlQuote(u"''"_s), u"''''"_s);
     EXPECT_EQ(SqlQuote(u"وام"_s), u"وام"_s);
@@ -77,6 +104,14 @@ TEST(TextProcedures, DateDigitsAndGrouping) {
     EXPECT_EQ(GroupDigits(1000000.0), u"1/000/000"_s);
     EXPECT_EQ(GroupDigits(u"abcd"_s), u"abcd"_s);
     EXPECT_EQ(GroupDigits(u"123456789012"_s), u"123/456/789/012"_s);
+    // Only the whole-number digits are grouped; the sign and the fraction stay.
+    EXPECT_EQ(GroupDigits(-150000), u"-150/000"_s);
+    EXPECT_EQ(GroupDigits(-1234), u"-1234"_s);
+    EXPECT_EQ(GroupDigits(1500.5), u"1500.5"_s);
+    EXPECT_EQ(GroupDigits(12345.5), u"12/345.5"_s);
+    EXPECT_EQ(GroupDigits(u"-1234567.25"_s), u"-1/234/567.25"_s);
+    EXPECT_EQ(GroupDigits(u"+12345"_s), u"+12/345"_s);
+    EXPECT_EQ(GroupDigits(u"abcdefg"_s), u"abcdefg"_s);
 }
 
 TEST(TextProcedures, CellNumberNeverFails) {

@@ -1,9 +1,10 @@
 #include "loan_editor/LoanDates.h"
 
+#include <QCalendar>
 #include <QStringList>
 
-#include "loan_editor/LoanEditorTexts.h"
 #include "base/Errors.h"
+#include "loan_editor/LoanEditorTexts.h"
 #include "session/TextProcs.h"
 #include "session/Vb.h"
 
@@ -55,8 +56,9 @@ QString getNextMonth(const QString& date, const QString& defaultPayDate) {
 }
 
 qint32 RoundCount(const QString& countText, CountWidth width) {
-    if (width == CountWidth::Int16) return vb::CInt(countText);
-    return vb::CLng(countText);
+    const QString count = LatinDigits(countText);
+    if (width == CountWidth::Int16) return vb::CInt(count);
+    return vb::CLng(count);
 }
 
 QString EndDateText(qint32 n, int y, int m, int d) {
@@ -77,7 +79,9 @@ QString EndDateText(qint32 n, int y, int m, int d) {
     if (month == 0) {
         month = 12;
         year = datePart(year - 1);
-        day = year % 4 == 3 ? 30 : 29;  // Esfand of a leap year
+        // The last day of Esfand: 30 in the calendar's leap years, else 29.
+        const int esfand = QCalendar(QCalendar::System::Jalali).daysInMonth(12, int(year));
+        day = esfand > 0 ? esfand : 29;
     }
     // Month 6 keeps the first instalment's day; Esfand keeps the day chosen above.
     if (month > 6 && month != 12)

@@ -33,13 +33,15 @@ QString getNextMonth(const QString& date, const QString& defaultPayDate);
 // first-instalment handlers as a 32-bit number.
 enum class CountWidth { Int16, Int32 };
 
-// The count in `countText` rounded to a whole number, halves to even. A text that is not a
-// number raises the type-mismatch error; a count out of the width's range the overflow error.
+// The count in `countText` rounded to a whole number, halves to even; Persian and
+// Arabic-Indic digits read as the digits they are. A text that is not a number raises the
+// type-mismatch error; a count out of the width's range the overflow error.
 qint32 RoundCount(const QString& countText, CountWidth width);
 
 // The settlement date for n instalments whose first falls in month m of year y on day d:
 // the month n - 1 months later; day 31 in months 1-5, 30 in months 7-11, day d kept in month 6,
-// Esfand 30 when the year modulo 4 is 3 and 29 otherwise. Each part is written with a blank
+// and in Esfand its last day in the Jalali calendar (30 in a leap year such as 1403 or 1408,
+// else 29). Each part is written with a blank
 // before a non-negative number and no padding: (12, 1403, 2, 15) -> " 1404/ 1/ 31".
 // The parts of a date are 16-bit numbers: leaving that range raises the overflow error.
 QString EndDateText(qint32 n, int y, int m, int d);

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "loan_editor/LoanEditorTexts.h"
 #include "base/Errors.h"
+#include "loan_editor/LoanEditorTexts.h"
 #include "session/Messages.h"
 #include "session/TextProcs.h"
 
@@ -68,6 +68,17 @@ double numberOf(const QVariant& v) {
     return vb::CDbl(v.toString());
 }
 
+// An amount rounded to a whole number, halves to even (2.5 -> 2, 3.5 -> 4).
+qint64 wholeNumber(vb::Currency amount) {
+    const qint64 raw = amount.raw();
+    qint64 whole = raw / vb::Currency::Scale;  // towards zero
+    const qint64 rest = raw % vb::Currency::Scale;
+    const qint64 half = vb::Currency::Scale / 2;
+    const qint64 away = rest < 0 ? -rest : rest;
+    if (away > half || (away == half && whole % 2 != 0)) whole += rest < 0 ? -1 : 1;
+    return whole;
+}
+
 bool isAbsent(const QVariant& v) {
     return v.isNull() || (!isFloating(v) && !isIntegral(v) && isBlank(v.toString()));
 }
@@ -128,7 +139,7 @@ std::optional<QString> OriginalValueLeft(const TermsFields& f) {
 }
 
 vb::Currency PayBackNumberGotFocus(const QString& payBackNumber) {
-    return vb::CCur(vb::Val(payBackNumber));
+    return vb::CCur(vb::Val(LatinDigits(payBackNumber)));
 }
 
 vb::Currency PerMonthGotFocus(const QString& perMonthValue) {
@@ -150,8 +161,9 @@ TermsUpdate PayBackNumberLeft(const TermsFields& f, vb::Currency payBackNumberAt
     if (!f.payBackNumber.isEmpty() && !isBlank(f.beginDate))
         u.endDate = EndDateFromCount(f.payBackNumber, CountWidth::Int16, f.beginDate);
 
-    const double count = vb::Val(f.payBackNumber);
-    if (isBlank(f.payBackNumber) || isBlank(f.loanValueText) || count == 0) return u;
+    const QString countText = LatinDigits(f.payBackNumber);
+    const double count = vb::Val(countText);
+    if (isBlank(countText) || isBlank(f.loanValueText) || count == 0) return u;
     const double amount = AmountValue(f.loanValueValue);
     // Rounded down to a whole unit; what that drops goes to the remainder.
     const QString perMonth = vb::CStr(finite(vb::Int(amount / count)));
@@ -159,17 +171,10 @@ TermsUpdate PayBackNumberLeft(const TermsFields& f, vb::Currency payBackNumberAt
     u.rem = vb::CStr(amount - AmountValue(perMonth) * count);
 
     // The first/last-month options only matter when the count does not divide the amount.
-    // The options test the amount as a 32-bit whole number; a larger amount cannot be
-    // tested and the clerk is told so in plain words.
-    const double amountForOptions = AmountCurrency(f.loanValueText.trimmed()).toDouble();
-    if (std::nearbyint(amountForOptions) > 2147483647.0 ||
-        std::nearbyint(amountForOptions) < -2147483648.0)
-        throw KavError(
-            KavError::Kind::Overflow,
-            u"مبلغ وام (%1) براي تعيين گزينه هاي پرداخت مانده از 2147483647 بيشتر "
-            u"است (Overflow)؛ مبلغ قسط را مستقيما وارد کنيد."_s.arg(vb::CStr(amountForOptions)));
-    const qint64 wholeAmount = vb::CLng(amountForOptions);
-    const qint64 wholeCount = vb::CLng(f.payBackNumber.trimmed());
+    // Both are rounded to whole numbers (halves to even) in 64 bits, so every amount the
+    // currency holds can be tested.
+    const qint64 wholeAmount = wholeNumber(AmountCurrency(f.loanValueText.trimmed()));
+    const qint64 wholeCount = wholeNumber(vb::CCur(countText.trimmed()));
     if (wholeCount == 0)
         throw KavError(
             KavError::Kind::DivisionByZero,

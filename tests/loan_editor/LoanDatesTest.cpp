@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <QCalendar>
+#include <map>
 
-#include "loan_editor/LoanDates.h"
 #include "base/Errors.h"
+#include "loan_editor/LoanDates.h"
+#include "support/QtPrinters.h"
 #include "support/Raises.h"
 
 using namespace Qt::StringLiterals;
@@ -39,19 +41,21 @@ TEST(NextMonth, KeepsTheOddPadding) {
 }
 
 // The last instalment is n - 1 calendar months after the first; its day follows the fixed
-// month lengths, month 6 keeping the first instalment's day.
+// month lengths, month 6 keeping the first instalment's day, Esfand its last day.
 TEST(SettlementDate, FollowsTheCalendarForEveryCountAndMonth) {
+    // The length of Esfand: 1403 and 1408 are leap years, 1407 is not although 1407 mod 4 = 3.
+    const std::map<int, int> esfand{{1402, 29}, {1403, 30}, {1404, 29}, {1405, 29}, {1406, 29},
+                                    {1407, 29}, {1408, 30}, {1409, 29}, {1410, 29}};
     const QCalendar jalali(QCalendar::System::Jalali);
-    for (int year : {1402, 1403}) {
+    for (int year : {1402, 1403, 1406, 1407}) {
         for (int first = 1; first <= 12; ++first) {
             for (int day : {10, 29}) {
                 for (int n = 1; n <= 36; ++n) {
                     const QDate last =
                         jalali.dateFromParts(year, first, 1).addMonths(n - 1, jalali);
                     const QCalendar::YearMonthDay p = jalali.partsFromDate(last);
-                    ASSERT_EQ(p.year % 4 == 3, jalali.isLeapYear(p.year));
                     const int expectedDay = p.month == 6    ? day
-                                            : p.month == 12 ? (p.year % 4 == 3 ? 30 : 29)
+                                            : p.month == 12 ? esfand.at(p.year)
                                             : p.month > 6   ? 30
                                                             : 31;
                     EXPECT_EQ(EndDateText(n, year, first, day),
@@ -61,6 +65,8 @@ TEST(SettlementDate, FollowsTheCalendarForEveryCountAndMonth) {
             }
         }
     }
+    EXPECT_EQ(EndDateText(12, 1408, 1, 10), u" 1408/ 12/ 30"_s);
+    EXPECT_EQ(EndDateText(12, 1407, 1, 10), u" 1407/ 12/ 29"_s);
 }
 
 TEST(SettlementDate, RoundsTheCountByCaller) {
@@ -73,6 +79,12 @@ TEST(SettlementDate, RoundsTheCountByCaller) {
               KavError::Kind::TypeMismatch);
     EXPECT_EQ(test::RaisedKind([] { EndDateText(40000, 1403, 1, 1); }), KavError::Kind::Overflow);
     EXPECT_EQ(EndDateFromCount(u"12"_s, CountWidth::Int32, u"1403/02/15"_s), u" 1404/ 1/ 31"_s);
+    // Persian and Arabic-Indic digits count as the digits they are.
+    EXPECT_EQ(RoundCount(u"\u06F1\u06F2"_s, CountWidth::Int16), 12);
+    EXPECT_EQ(RoundCount(u"\u0661\u0662"_s, CountWidth::Int32), 12);
+    const DateFields persian = dates(QString(), u"1403/02/15"_s, QString(), u"\u06F1\u06F2"_s);
+    EXPECT_EQ(EndDateChanged(persian).endDate, u" 1404/ 1/ 31"_s);
+    EXPECT_EQ(BeginDateChanged(persian).endDate, u" 1404/ 1/ 31"_s);
 }
 
 TEST(DateOrder, PayDateClearsLaterDatesSilently) {

@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "loan_editor/LoanTerms.h"
 #include "base/Errors.h"
+#include "loan_editor/LoanTerms.h"
+#include "support/QtPrinters.h"
 #include "support/Raises.h"
 
 using namespace Qt::StringLiterals;
@@ -94,9 +95,38 @@ TEST(LeavingCount, UnguardedInputRaisesInsteadOfFailing) {
               KavError::Kind::TypeMismatch);
     EXPECT_EQ(test::RaisedKind([] { leaveCount(withCount(u"1000"_s, u"3x"_s, u"1403/01/10"_s)); }),
               KavError::Kind::TypeMismatch);
-    // The amount is rounded to a 32-bit number for the modulo.
-    EXPECT_EQ(test::RaisedKind([] { leaveCount(withCount(u"3000000000"_s, u"3"_s)); }),
-              KavError::Kind::Overflow);
+}
+
+// The remainder options test any amount the currency holds: amount and count are rounded to
+// whole numbers (halves to even) in 64 bits.
+TEST(LeavingCount, LargeAmountsTestTheRemainderOptions) {
+    EXPECT_EQ(leaveCount(withCount(u"3000000000"_s, u"3"_s)).remainderOptionsEnabled, false);
+    EXPECT_EQ(leaveCount(withCount(u"3000000001"_s, u"3"_s)).remainderOptionsEnabled, true);
+    TermsFields top = withAmount(u"922/337/203/685/476"_s, u"922337203685476"_s);
+    top.payBackNumber = u"4"_s;
+    EXPECT_EQ(leaveCount(top).remainderOptionsEnabled, false);
+    top.payBackNumber = u"7"_s;
+    EXPECT_EQ(leaveCount(top).remainderOptionsEnabled, true);
+    // 11.5 rounds to 12, which 4 divides; 11 would not.
+    EXPECT_EQ(leaveCount(withCount(u"11.5"_s, u"4"_s)).remainderOptionsEnabled, false);
+    EXPECT_EQ(leaveCount(withCount(u"-9"_s, u"4.5"_s)).remainderOptionsEnabled, true);
+}
+
+// Persian and Arabic-Indic digits in the count read as the digits they are.
+TEST(LeavingCount, ReadsPersianAndArabicIndicDigits) {
+    for (const QString& three : {u"\u06F3"_s, u"\u0663"_s}) {
+        TermsFields f = withCount(u"1000000"_s, three, u"1403/01/10"_s);
+        const TermsUpdate u = leaveCount(f);
+        EXPECT_EQ(u.perMonth, u"333333"_s);
+        EXPECT_EQ(u.rem, u"1"_s);
+        EXPECT_EQ(u.remainderOptionsEnabled, true);
+        EXPECT_EQ(u.endDate, u" 1403/ 3/ 31"_s);
+        // Entered as 3 and left as 3: nothing to recompute.
+        EXPECT_TRUE(PayBackNumberLeft(f, PayBackNumberGotFocus(u"3"_s)).isEmpty());
+        EXPECT_EQ(PayBackNumberGotFocus(three), vb::CCur(3.0));
+    }
+    TermsFields twelve = withCount(u"1000"_s, u"\u06F1\u06F2"_s, u"1403/02/15"_s);
+    EXPECT_EQ(leaveCount(twelve).endDate, u" 1404/ 1/ 31"_s);
 }
 
 TEST(LeavingPerMonth, GivesTheCountRemainderAndSettlementDate) {

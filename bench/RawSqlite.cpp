@@ -42,43 +42,84 @@ sqlite3_stmt* RawDb::prepare(const QString& sql) {
     return stmt;
 }
 
-qint64 RawDb::stepAll(const QString& sql, const QStringList& columns) {
-    sqlite3_stmt* stmt = prepare(sql);
+std::vector<int> RawDb::columnsOf(sqlite3_stmt* stmt, const QStringList& columns,
+                                  const QString& sql) {
     std::vector<int> wanted;
     const int count = sqlite3_column_count(stmt);
     if (columns.isEmpty()) {
         for (int c = 0; c < count; ++c) wanted.push_back(c);
-    } else {
-        for (const QString& name : columns) {
-            int found = -1;
-            for (int c = 0; c < count && found < 0; ++c)
-                if (name.compare(QString::fromUtf8(sqlite3_column_name(stmt, c)),
-                                 Qt::CaseInsensitive) == 0)
-                    found = c;
-            if (found < 0) {
-                sqlite3_finalize(stmt);
-                throw KavError(KavError::Kind::Database, u"no column "_s + name + u" in "_s + sql);
-            }
-            wanted.push_back(found);
-        }
+        return wanted;
     }
-    qint64 rows = 0;
+    for (const QString& name : columns) {
+        int found = -1;
+        for (int c = 0; c < count && found < 0; ++c)
+            if (name.compare(QString::fromUtf8(sqlite3_column_name(stmt, c)),
+                             Qt::CaseInsensitive) == 0)
+                found = c;
+        if (found < 0) {
+            sqlite3_finalize(stmt);
+            throw KavError(KavError::Kind::Database, u"no column "_s + name + u" in "_s + sql);
+        }
+        wanted.push_back(found);
+    }
+    return wanted;
+}
+
+void RawDb::finish(sqlite3_stmt* stmt, int rc, const QString& sql) {
+    const QString error = QString::fromUtf8(sqlite3_errmsg(db_));
+    sqlite3_finalize(stmt);
+    if (rc != SQLITE_DONE)
+        throw KavError(KavError::Kind::Database, error + u"\n"_s + sql.left(300));
+}
+
+qint64 RawDb::stepAll(const QString& sql, const QStringList& columns) {
+    sqlite3_stmt* stmt = prepare(sql);
+    const std::vector<int> wanted = columnsOf(stmt, columns, sql);
+    qint64 count = 0;
     int rc;
     while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
-        ++rows;
+        ++count;
         for (int c : wanted) {
             const unsigned char* text = sqlite3_column_text(stmt, c);
             const int bytes = sqlite3_column_bytes(stmt, c);
             if (text && bytes > 0) sum_ += quint64(text[0]) + quint64(bytes);
         }
     }
-    if (rc != SQLITE_DONE) {
-        const QString error = QString::fromUtf8(sqlite3_errmsg(db_));
-        sqlite3_finalize(stmt);
-        throw KavError(KavError::Kind::Database, error + u"\n"_s + sql.left(300));
+    finish(stmt, rc, sql);
+    return count;
+}
+
+QList<QStringList> RawDb::rows(const QString& sql, const QStringList& columns) {
+    sqlite3_stmt* stmt = prepare(sql);
+    const std::vector<int> wanted = columnsOf(stmt, columns, sql);
+    QList<QStringList> result;
+    int rc;
+    while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+        QStringList row;
+        row.reserve(qsizetype(wanted.size()));
+        for (int c : wanted)
+            row << QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(stmt, c)),
+                                     sqlite3_column_bytes(stmt, c));
+        result << row;
     }
-    sqlite3_finalize(stmt);
-    return rows;
+    finish(stmt, rc, sql);
+    return result;
+}
+
+RawDb::Utf8Cells RawDb::utf8Cells(const QString& sql, const QStringList& columns) {
+    sqlite3_stmt* stmt = prepare(sql);
+    const std::vector<int> wanted = columnsOf(stmt, columns, sql);
+    Utf8Cells cells;
+    int rc;
+    while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+        for (int c : wanted) {
+            cells.bytes.append(reinterpret_cast<const char*>(sqlite3_column_text(stmt, c)),
+                               sqlite3_column_bytes(stmt, c));
+            cells.ends.push_back(quint32(cells.bytes.size()));
+        }
+    }
+    finish(stmt, rc, sql);
+    return cells;
 }
 
 QVariant RawDb::scalar(const QString& sql) {

@@ -3,10 +3,12 @@
 // The embedded database reached through the sqlite3 C library alone: the baseline every
 // measurement of the module is compared with, and the generator's fast writer.
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 #include <QtGlobal>
+#include <vector>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -31,6 +33,18 @@ public:
     // shows the values would. Returns the number of rows.
     qint64 stepAll(const QString& sql, const QStringList& columns = {});
 
+    // Runs a query and returns the named columns (every column when the list is empty) of
+    // every row as texts; Null is the empty text.
+    QList<QStringList> rows(const QString& sql, const QStringList& columns = {});
+
+    // The named columns of every row kept as UTF-8, one cell after the other, the way a grid
+    // model that converts only the cells it paints would keep them.
+    struct Utf8Cells {
+        QByteArray bytes;
+        std::vector<quint32> ends;  // where each cell ends in bytes
+    };
+    Utf8Cells utf8Cells(const QString& sql, const QStringList& columns);
+
     // The first column of the first row, or a null QVariant.
     QVariant scalar(const QString& sql);
 
@@ -39,6 +53,11 @@ public:
 
 private:
     sqlite3_stmt* prepare(const QString& sql);
+    // The indexes of the named columns; raises KavError (Database) for an unknown one.
+    static std::vector<int> columnsOf(sqlite3_stmt* stmt, const QStringList& columns,
+                                      const QString& sql);
+    // Finalises the statement; raises KavError (Database) unless it ran to its end.
+    void finish(sqlite3_stmt* stmt, int rc, const QString& sql);
     [[noreturn]] void fail(const QString& sql) const;
 
     sqlite3* db_ = nullptr;

@@ -50,4 +50,24 @@ QString SqlDialect::isNullFunction() const {
     return kind_ == DatabaseKind::SqlServer ? u"IsNull"_s : u"IfNull"_s;
 }
 
+QString SqlDialect::beginSerialised(const QString& lockName) const {
+    if (kind_ == DatabaseKind::SQLite) return u"BEGIN IMMEDIATE"_s;
+    QString name = lockName;
+    name.replace(u"'"_s, u"''"_s);
+    return u"SET NOCOUNT ON; BEGIN TRANSACTION; DECLARE @LockResult int; "
+           u"EXEC @LockResult = sp_getapplock @Resource = N'%1', @LockMode = 'Exclusive', "
+           u"@LockOwner = 'Transaction', @LockTimeout = %2; SELECT @LockResult AS LockResult"_s
+               .arg(name)
+               .arg(LockWaitMilliseconds);
+}
+
+QString SqlDialect::commitTransaction() const {
+    return kind_ == DatabaseKind::SqlServer ? u"COMMIT TRANSACTION"_s : u"COMMIT"_s;
+}
+
+QString SqlDialect::rollbackTransaction() const {
+    return kind_ == DatabaseKind::SqlServer ? u"IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION"_s
+                                            : u"ROLLBACK"_s;
+}
+
 }  // namespace kav::data

@@ -31,6 +31,23 @@ public:
     // "IsNull" on SQL Server, "IfNull" on SQLite.
     QString isNullFunction() const;
 
+    // A write transaction serialised among clients. SQLite: "BEGIN IMMEDIATE", which waits
+    // for the busy timeout (LockWaitMilliseconds) while another client writes. SQL Server:
+    // an explicit BEGIN TRANSACTION (under ODBC's manual commit an EXEC alone opens none) and
+    // an exclusive application lock on lockName owned by the transaction, waiting as long;
+    // the text returns one row, the lock's return code (LockResultColumn), negative when
+    // the lock was not granted.
+    QString beginSerialised(const QString& lockName) const;
+    // True when beginSerialised's text returns the lock's return code.
+    bool beginReturnsLockResult() const { return kind_ == DatabaseKind::SqlServer; }
+    // "COMMIT TRANSACTION" / "COMMIT".
+    QString commitTransaction() const;
+    // Rolls back what is open, and nothing when the server already rolled back:
+    // "IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION" / "ROLLBACK".
+    QString rollbackTransaction() const;
+
+    static constexpr int LockWaitMilliseconds = 5000;
+
 private:
     DatabaseKind kind_;
 };

@@ -7,8 +7,10 @@
 #include <QSqlRecord>
 #include <QUuid>
 
-#include "data/Procedures.h"
 #include "base/Errors.h"
+#include "data/DriverError.h"
+#include "data/Procedures.h"
+#include "session/BusyPointer.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,11 +20,11 @@ namespace kav {
 
 namespace {
 
+// A statement the driver refused: Busy when another client holds the database, else
+// Database, with the driver's text on a line of its own.
 [[noreturn]] void databaseError(const QString& sql, const QSqlError& error) {
-    qCWarning(lcSql) << "statement failed:" << sql << error.text();
-    QString driverText = error.databaseText().trimmed();
-    if (driverText.isEmpty()) driverText = error.text().trimmed();
-    throw KavError(KavError::Kind::Database, u"خطاي پايگاه داده: "_s + driverText);
+    qCWarning(lcSql) << "statement failed:" << sql << error.text() << error.nativeErrorCode();
+    throw data::DriverError(error);
 }
 
 }  // namespace
@@ -31,6 +33,7 @@ namespace {
 
 void Recordset::Open(const QString& sql) {
     Close();
+    BusyPointer busy;  // while the statement waits for the database and its rows arrive
     cnt_->Open();
     QSqlQuery q(cnt_->Database());
     q.setForwardOnly(true);
@@ -108,10 +111,15 @@ void Connection::Open() {
                        u"فايل پايگاه داده «%1» وجود ندارد."_s.arg(target.databaseName));
     QSqlDatabase db = QSqlDatabase::addDatabase(target.qtDriver, qtName_);
     db.setDatabaseName(target.databaseName);
-    if (target.qtDriver == u"QSQLITE") db.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=10000"_s);
+    // A client that finds the database held by another waits this long before it says so.
+    if (target.qtDriver == u"QSQLITE")
+        db.setConnectOptions(
+            u"QSQLITE_BUSY_TIMEOUT=%1"_s.arg(data::SqlDialect::LockWaitMilliseconds));
+    BusyPointer busy;
     if (!db.open()) {
         const QString text = db.lastError().text().trimmed();
-        throw KavError(KavError::Kind::Connection, u"اتصال به پايگاه داده برقرار نشد: "_s + text);
+        throw KavError(KavError::Kind::Connection,
+                       u"اتصال به پايگاه داده برقرار نشد:"_s + DriverTextLine(text));
     }
     dialect_ = std::make_unique<data::SqlDialect>(target.kind);
 }
@@ -136,6 +144,7 @@ const data::SqlDialect& Connection::Dialect() {
 data::DatabaseKind Connection::Kind() { return Dialect().kind(); }
 
 void Connection::Execute(const QString& sql) {
+    BusyPointer busy;
     Open();
     QSqlQuery q(Database());
     qCDebug(lcSql) << sql;
@@ -144,49 +153,55 @@ void Connection::Execute(const QString& sql) {
 }
 
 void Connection::BeginSerialised(const QString& lockName) {
-    if (Kind() == data::DatabaseKind::SQLite) {
-        Execute(u"BEGIN IMMEDIATE"_s);
+    const data::SqlDialect& dialect = Dialect();
+    const QString sql = dialect.beginSerialised(lockName);
+    if (!dialect.beginReturnsLockResult()) {
+        Execute(sql);
         return;
     }
-    QSqlDatabase db = Database();
-    if (!db.transaction()) databaseError(u"BEGIN TRANSACTION"_s, db.lastError());
-    try {
-        QSqlQuery q(db);
+    BusyPointer busy;
+    int result = -999;
+    {
+        QSqlQuery q(Database());
         q.setForwardOnly(true);
-        const QString sql =
-            u"SET NOCOUNT ON; DECLARE @r int; EXEC @r = sp_getapplock @Resource='%1', "
-            "@LockMode='Exclusive', @LockOwner='Transaction', @LockTimeout=15000; SELECT @r"_s.arg(
-                lockName);
-        if (!q.exec(sql)) databaseError(sql, q.lastError());
-        int result = -999;
+        qCDebug(lcSql) << sql;
+        if (!q.exec(sql)) {
+            const QSqlError error = q.lastError();
+            q.finish();
+            Rollback();
+            databaseError(sql, error);
+        }
         if (q.next()) result = q.value(0).toInt();
         q.finish();
-        if (result < 0)
-            throw KavError(KavError::Kind::Database,
-                           u"کاربر ديگري در حال ثبت است؛ لطفا دوباره تلاش کنيد."_s);
-    } catch (...) {
-        db.rollback();
-        throw;
+    }
+    // sp_getapplock: 0 or 1 granted; -1 timed out, -2 cancelled, -3 deadlock, -999 refused.
+    if (result < 0) {
+        Rollback();
+        throw data::BusyError(u"sp_getapplock @Resource = '%1': %2"_s.arg(lockName).arg(result));
     }
 }
 
 void Connection::Commit() {
-    if (Kind() == data::DatabaseKind::SQLite) {
-        Execute(u"COMMIT"_s);
-        return;
+    const QString sql = Dialect().commitTransaction();
+    try {
+        Execute(sql);
+    } catch (...) {
+        // A COMMIT that failed leaves nothing half-written: what is still open is rolled back.
+        Rollback();
+        throw;
     }
-    QSqlDatabase db = Database();
-    if (!db.commit()) databaseError(u"COMMIT"_s, db.lastError());
 }
 
-void Connection::Rollback() {
-    if (!IsOpen()) return;
-    if (Kind() == data::DatabaseKind::SQLite) {
+void Connection::Rollback() noexcept {
+    try {
+        if (!IsOpen()) return;
         QSqlQuery q(Database());
-        q.exec(u"ROLLBACK"_s);
-        return;
+        const QString sql = Dialect().rollbackTransaction();
+        qCDebug(lcSql) << sql;
+        if (!q.exec(sql)) qCWarning(lcSql) << "rollback failed:" << q.lastError().text();
+        q.finish();
+    } catch (...) {
     }
-    Database().rollback();
 }
 
 // ---- WriteTransaction ----
@@ -196,25 +211,12 @@ WriteTransaction::WriteTransaction(Connection& cnt, const QString& lockName) : c
 }
 
 WriteTransaction::~WriteTransaction() {
-    if (!open_) return;
-    try {
-        cnt_.Rollback();
-    } catch (...) {
-    }
+    if (open_) cnt_.Rollback();
 }
 
 void WriteTransaction::Commit() {
-    try {
-        cnt_.Commit();
-    } catch (...) {
-        open_ = false;
-        try {
-            cnt_.Rollback();
-        } catch (...) {
-        }
-        throw;
-    }
-    open_ = false;
+    open_ = false;  // Commit rolls back by itself when the COMMIT fails
+    cnt_.Commit();
 }
 
 // ---- DataEnvironment ----
@@ -224,6 +226,7 @@ DataEnvironment::DataEnvironment() : rs_(cnt_) {}
 int DataEnvironment::CallProcedure(const QString& name, const QVariantList& params) {
     cnt_.Open();
     if (cnt_.Kind() == data::DatabaseKind::SQLite) {
+        BusyPointer busy;
         QSqlDatabase db = cnt_.Database();
         return data::RunEmulatedProcedure(db, name, params);
     }
@@ -235,6 +238,7 @@ int DataEnvironment::CallProcedure(const QString& name, const QVariantList& para
     if (!info)
         throw KavError(KavError::Kind::Usage, u"روال ذخيره شده «%1» تعريف نشده است."_s.arg(name));
 
+    BusyPointer busy;
     QSqlQuery q(cnt_.Database());
     q.setForwardOnly(true);
     const QString call = data::OdbcCallText(*info);

@@ -72,14 +72,19 @@ public:
     void Close();
     bool IsOpen() const;
 
-    // Runs a statement that returns no rows.
+    // Runs a statement that returns no rows. A refused statement raises KavError: Busy when
+    // another client holds the database, else Database; the driver's text on its own line.
     void Execute(const QString& sql);
 
-    // Serialised transactions among clients for writes that must be all-or-nothing:
-    // SQLite BEGIN IMMEDIATE; SQL Server a transaction holding an application lock.
+    // Serialised transactions among clients for writes that must be all-or-nothing, with the
+    // dialect's texts: SQLite BEGIN IMMEDIATE; SQL Server an explicit transaction holding an
+    // exclusive application lock on lockName. Another client holding the database past the
+    // wait raises KavError (Busy) and leaves no transaction open.
     void BeginSerialised(const QString& lockName);
+    // Commits; when the COMMIT fails, what is open is rolled back and the error raised.
     void Commit();
-    void Rollback();
+    // Rolls back whatever is open; never fails (a failure is only logged).
+    void Rollback() noexcept;
 
     QSqlDatabase Database();
     const data::SqlDialect& Dialect();

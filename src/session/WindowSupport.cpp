@@ -184,12 +184,4 @@ bool IsFieldFocusChange(const QFocusEvent& event) {
     return event.reason() != Qt::PopupFocusReason && event.reason() != Qt::ActiveWindowFocusReason;
 }
 
-BusyPointer::BusyPointer() : active_(qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
-    if (active_) QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-}
-
-BusyPointer::~BusyPointer() {
-    if (active_) QGuiApplication::restoreOverrideCursor();
-}
-
 }  // namespace kav

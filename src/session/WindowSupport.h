@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "session/BusyPointer.h"
 #include "session/Handler.h"
 #include "session/Module.h"
 
@@ -133,17 +134,5 @@ int ShiftOf(const QKeyEvent& event);
 // closing (a calendar, a list) and not the window losing or regaining activation (a message
 // box or another program), so no lost-focus rule runs while a message is on screen.
 bool IsFieldFocusChange(const QFocusEvent& event);
-
-// The busy mouse pointer while it lives (nothing without a GUI application).
-class BusyPointer {
-public:
-    BusyPointer();
-    ~BusyPointer();
-    BusyPointer(const BusyPointer&) = delete;
-    BusyPointer& operator=(const BusyPointer&) = delete;
-
-private:
-    bool active_;
-};
 
 }  // namespace kav

@@ -1,13 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <QDateTime>
+#include <QSqlError>
 
 #include "DataTestSupport.h"
-
-#include <QSqlError>
+#include "base/Errors.h"
 #include "data/Procedures.h"
 #include "data/SqlDialect.h"
-#include "base/Errors.h"
+#include "support/TsqlCheck.h"
 
 using namespace Qt::StringLiterals;
 using kav::KavError;
@@ -51,6 +51,25 @@ TEST(SqlDialect, DiffersOnlyWhereSqliteCannotRunTheTsql) {
     EXPECT_EQ(kLite.concatOperator(), u"||"_s);
     EXPECT_EQ(kServer.isNullFunction(), u"IsNull"_s);
     EXPECT_EQ(kLite.isNullFunction(), u"IfNull"_s);
+}
+
+// A write is serialised among clients: an explicit transaction, then an application lock
+// owned by it whose return code comes back as the one row of the text.
+TEST(SqlDialect, SerialisedTransactionTexts) {
+    EXPECT_EQ(kav::test::CheckedTsql(kServer.beginSerialised(u"KAVHRLoan"_s)),
+              u"SET NOCOUNT ON; BEGIN TRANSACTION; DECLARE @LockResult int; EXEC @LockResult = "
+              u"sp_getapplock @Resource = N'KAVHRLoan', @LockMode = 'Exclusive', @LockOwner = "
+              u"'Transaction', @LockTimeout = 5000; SELECT @LockResult AS LockResult"_s);
+    EXPECT_TRUE(kav::test::CheckedTsql(kServer.beginSerialised(u"O'Loan"_s))
+                    .contains(u"@Resource = N'O''Loan'"_s));
+    EXPECT_EQ(kav::test::CheckedTsql(kServer.commitTransaction()), u"COMMIT TRANSACTION"_s);
+    EXPECT_EQ(kav::test::CheckedTsql(kServer.rollbackTransaction()),
+              u"IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION"_s);
+    EXPECT_TRUE(kServer.beginReturnsLockResult());
+    EXPECT_EQ(kLite.beginSerialised(u"KAVHRLoan"_s), u"BEGIN IMMEDIATE"_s);
+    EXPECT_EQ(kLite.commitTransaction(), u"COMMIT"_s);
+    EXPECT_EQ(kLite.rollbackTransaction(), u"ROLLBACK"_s);
+    EXPECT_FALSE(kLite.beginReturnsLockResult());
 }
 
 TEST(SqlDialect, SqliteTextsRunOnTheEmbeddedDatabase) {

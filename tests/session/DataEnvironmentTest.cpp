@@ -3,11 +3,15 @@
 #include <QCalendar>
 #include <QDate>
 #include <QFile>
+#include <QGuiApplication>
+#include <functional>
+#include <vector>
 
+#include "base/Errors.h"
 #include "data/DemoData.h"
 #include "session/DataEnvironment.h"
-#include "base/Errors.h"
 #include "session/Module.h"
+#include "support/QtPrinters.h"
 #include "support/TestDatabase.h"
 
 using namespace Qt::StringLiterals;
@@ -58,16 +62,97 @@ TEST(DataEnvironment, RecordsetNavigatesAndKeepsNullApartFromEmpty) {
     EXPECT_THROW(rs.Fields(u"NoSuchColumn"_s), KavError);
 }
 
-TEST(DataEnvironment, FailingStatementsCarryTheDriversText) {
+// The driver's own text stands on a line of its own, isolated left to right, so its colon
+// and brackets stay where the driver put them inside the right-to-left message.
+TEST(DataEnvironment, FailingStatementsCarryTheDriversTextOnItsOwnLine) {
     test::TestModule t;
-    try {
-        t.module.DtEn().cnt().Execute(u"insert into tblNoSuchTable values (1)"_s);
-        FAIL() << "no error";
-    } catch (const KavError& e) {
-        EXPECT_EQ(e.kind(), KavError::Kind::Database);
-        EXPECT_TRUE(e.message().contains(u"tblNoSuchTable"_s)) << e.message().toStdString();
+    const QString expected = u"خطاي پايگاه داده:\n\u2066no such table: tblNoSuchTable\u2069"_s;
+    for (const auto& run : std::vector<std::function<void()>>{
+             [&] { t.module.DtEn().cnt().Execute(u"insert into tblNoSuchTable values (1)"_s); },
+             [&] { t.module.DtEn().rs().Open(u"select * from tblNoSuchTable"_s); }}) {
+        try {
+            run();
+            ADD_FAILURE() << "no error";
+        } catch (const KavError& e) {
+            EXPECT_EQ(e.kind(), KavError::Kind::Database);
+            EXPECT_EQ(e.message(), expected);
+        }
     }
-    EXPECT_THROW(t.module.DtEn().rs().Open(u"select nonsense from"_s), KavError);
+}
+
+// Another client holds the database: the wait ends in the busy message, the transaction is
+// not left open, and the pointer is back to normal.
+TEST(DataEnvironment, ABusyDatabaseSaysSoAfterWaiting) {
+    test::TestModule t;
+    ASSERT_TRUE(t.db.exec(u"BEGIN IMMEDIATE"_s));  // the other client
+    Connection& cnt = t.module.DtEn().cnt();
+    try {
+        cnt.BeginSerialised(u"KAVHRLoan"_s);
+        ADD_FAILURE() << "began while another client writes";
+    } catch (const KavError& e) {
+        EXPECT_EQ(e.kind(), KavError::Kind::Busy);
+        EXPECT_EQ(e.message(),
+                  u"پايگاه داده در اين لحظه در اختيار کاربر ديگري است؛ چند لحظه بعد دوباره تلاش "
+                  u"کنيد.\n\u2066database is locked\u2069"_s);
+    }
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    ASSERT_TRUE(t.db.exec(u"ROLLBACK"_s));
+    cnt.BeginSerialised(u"KAVHRLoan"_s);  // free again
+    cnt.Rollback();
+}
+
+// A COMMIT the database refuses (here a deferred foreign key) leaves nothing written and no
+// transaction open, whether the caller rolls back or not.
+TEST(DataEnvironment, ARefusedCommitRollsBack) {
+    test::TestModule t;
+    t.db.exec({u"create table parent (id integer primary key)"_s,
+               u"create table child (id integer, parent integer references parent(id) "
+               u"deferrable initially deferred)"_s});
+    Connection& cnt = t.module.DtEn().cnt();
+    cnt.Execute(u"PRAGMA foreign_keys = ON"_s);
+    for (const bool throughWriteTransaction : {false, true}) {
+        try {
+            if (throughWriteTransaction) {
+                WriteTransaction tx(cnt, u"KAVHRLoan"_s);
+                cnt.Execute(u"insert into child values (1, 99)"_s);
+                tx.Commit();
+            } else {
+                cnt.BeginSerialised(u"KAVHRLoan"_s);
+                cnt.Execute(u"insert into child values (1, 99)"_s);
+                cnt.Commit();
+            }
+            ADD_FAILURE() << "the commit went through";
+        } catch (const KavError& e) {
+            EXPECT_EQ(e.kind(), KavError::Kind::Database);
+        }
+        EXPECT_EQ(t.db.scalar(u"select count(*) from child"_s).toInt(), 0);
+        // No transaction is left open: a new one begins, and its commit stands.
+        cnt.BeginSerialised(u"KAVHRLoan"_s);
+        cnt.Execute(u"insert into parent values (1)"_s);
+        cnt.Commit();
+        EXPECT_EQ(t.db.scalar(u"select count(*) from parent"_s).toInt(), 1);
+        cnt.Execute(u"delete from parent"_s);
+    }
+}
+
+// Each entry call points a fresh data environment at the session's connection string.
+TEST(DataEnvironment, OpenSessionConnectionRepointsTheEnvironment) {
+    test::TestModule t;
+    fillEmployees(t.db);
+    test::TestDatabase other;
+    other.exec(
+        u"insert into tblEmployee (ID, Code, FirstName, SureName) values (9, '9', 'x', 'y')"_s);
+    Recordset& before = t.module.DtEn().rs();
+    before.Open(u"select count(*) as n from tblEmployee"_s);
+    EXPECT_EQ(before.Fields(u"n"_s).toInt(), 3);
+
+    t.module.session.SessionConnectionString = other.connectionString();
+    t.module.OpenSessionConnection();
+    EXPECT_EQ(t.module.DtEn().cnt().ConnectionString(), other.connectionString());
+    Recordset& after = t.module.DtEn().rs();
+    EXPECT_FALSE(after.IsOpen());  // a fresh environment, fresh recordsets
+    after.Open(u"select count(*) as n from tblEmployee"_s);
+    EXPECT_EQ(after.Fields(u"n"_s).toInt(), 1);
 }
 
 TEST(DataEnvironment, BadConnectionsNameTheProblem) {
@@ -155,7 +240,14 @@ TEST(DataEnvironment, RunsThroughOdbcWithTheSqliteDriver) {
     checkRecordsetNavigation(module);
     EXPECT_TRUE(module.HasPermission(111801));
     EXPECT_FALSE(module.HasPermission(111802));
-    module.DtEn().cnt().Execute(u"delete from tblEmployee where ID=3"_s);
+    Connection& cnt = module.DtEn().cnt();
+    cnt.BeginSerialised(u"KAVHRLoan"_s);
+    cnt.Execute(u"delete from tblEmployee where ID=3"_s);
+    cnt.Rollback();
+    EXPECT_EQ(db.scalar(u"select count(*) from tblEmployee"_s).toInt(), 3);
+    cnt.BeginSerialised(u"KAVHRLoan"_s);
+    cnt.Execute(u"delete from tblEmployee where ID=3"_s);
+    cnt.Commit();
     EXPECT_EQ(db.scalar(u"select count(*) from tblEmployee"_s).toInt(), 2);
     EXPECT_THROW(module.DtEn().cnt().Execute(u"delete from tblNoSuch"_s), KavError);
 }

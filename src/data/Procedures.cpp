@@ -3,10 +3,13 @@
 #include <QDateTime>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <climits>
+#include <cmath>
 
+#include "base/Errors.h"
+#include "data/DriverError.h"
 #include "data/Names.h"
 #include "data/SqlDialect.h"
-#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 
@@ -43,11 +46,8 @@ QString OdbcCallText(const ProcedureInfo& procedure) {
 
 namespace {
 
-[[noreturn]] void failStatement(const QSqlQuery& q, const QString& sql) {
-    const QSqlError e = q.lastError();
-    QString text = e.text().trimmed();
-    if (text.isEmpty()) text = e.databaseText();
-    throw KavError(KavError::Kind::Database, text + u"\n"_s + sql);
+[[noreturn]] void failStatement(const QSqlQuery& q, const QString&) {
+    throw DriverError(q.lastError());
 }
 
 QSqlQuery run(QSqlDatabase& db, const QString& sql, const QVariantList& values) {
@@ -59,32 +59,84 @@ QSqlQuery run(QSqlDatabase& db, const QString& sql, const QVariantList& values) 
     return q;
 }
 
-// A Gregorian date as the embedded database stores it; an empty date is 1900-01-01.
-QVariant dateValue(const QVariant& v) {
-    return SqlDialect(DatabaseKind::SQLite).dateText(SqlDialect::readDate(v));
+// The parameters arrive as the suite's procedures receive them, and are converted the way
+// SQL Server converts a value to the parameter's type: what it would refuse raises the
+// type-mismatch error naming the parameter, and a Null stays Null unless the procedure
+// itself replaces it.
+
+[[noreturn]] void notA(const QString& what, const QString& name, const QVariant& v) {
+    throw KavError(KavError::Kind::TypeMismatch,
+                   u"مقدار پارامتر %1 %2 نيست: «%3»"_s.arg(name, what, v.toString()));
 }
 
-// A Persian date text: the text as given, never Null.
+bool isText(const QVariant& v) { return v.typeId() == QMetaType::QString; }
+
+// @BeginDate, @EndDate (datetime): the procedures store a Null as 1900-01-01, as is the
+// empty date (an invalid QDate, or an empty text, which SQL Server reads as 1900-01-01).
+// A text must be a date ("yyyy-MM-dd" or "yyyyMMdd", a time of day allowed).
+QVariant dateValue(const QVariant& v, const QString& name) {
+    const SqlDialect lite(DatabaseKind::SQLite);
+    if (v.isNull()) return lite.dateText(QDate());
+    switch (v.typeId()) {
+        case QMetaType::QDate:
+        case QMetaType::QDateTime:
+            return lite.dateText(SqlDialect::readDate(v));
+        case QMetaType::QString: {
+            if (v.toString().trimmed().isEmpty()) return lite.dateText(QDate());
+            const QDate d = SqlDialect::readDate(v);
+            if (!d.isValid()) notA(u"تاريخ"_s, name, v);
+            return lite.dateText(d);
+        }
+        default:
+            notA(u"تاريخ"_s, name, v);
+    }
+}
+
+// @FarsiBeginDate, @FarsiEndDate (nvarchar(10)): a Null is stored as the empty text; a longer
+// text is cut to ten characters, as the parameter's type cuts it.
 QVariant farsiValue(const QVariant& v) {
-    const QString s = v.isNull() ? QString() : v.toString();
-    return s.isNull() ? u""_s : s;
+    if (v.isNull()) return u""_s;
+    return v.toString().left(10);
 }
 
+// An int parameter: a whole number, a number with a fraction cut towards zero, a text of a
+// whole number; an empty text is 0. Null stays Null.
 QVariant intValue(const QVariant& v, const QString& name) {
-    bool ok = false;
-    const qlonglong value = v.toLongLong(&ok);
-    if (!ok)
-        throw KavError(KavError::Kind::Usage,
-                       u"مقدار پارامتر %1 عدد صحيح نيست: «%2»"_s.arg(name, v.toString()));
-    return value;
-}
-
-QVariant amountValue(const QVariant& v, const QString& name) {
+    if (v.isNull()) return QVariant(QMetaType::fromType<qlonglong>());
+    if (isText(v)) {
+        const QString t = v.toString().trimmed();
+        if (t.isEmpty()) return qlonglong(0);
+        bool ok = false;
+        const qlonglong value = t.toLongLong(&ok);
+        if (!ok || value < INT_MIN || value > INT_MAX) notA(u"عدد صحيح"_s, name, v);
+        return value;
+    }
     bool ok = false;
     const double value = v.toDouble(&ok);
-    if (!ok)
-        throw KavError(KavError::Kind::Usage,
-                       u"مقدار پارامتر %1 عدد نيست: «%2»"_s.arg(name, v.toString()));
+    if (!ok || !std::isfinite(value) || value <= double(INT_MIN) - 1 ||
+        value >= double(INT_MAX) + 1)
+        notA(u"عدد صحيح"_s, name, v);
+    return qlonglong(std::trunc(value));
+}
+
+// A money parameter: a number within the money range, or a text of one; an empty text is 0.
+// Null stays Null.
+QVariant amountValue(const QVariant& v, const QString& name) {
+    if (v.isNull()) return QVariant(QMetaType::fromType<double>());
+    bool ok = false;
+    double value = 0;
+    if (isText(v)) {
+        const QString t = v.toString().trimmed();
+        value = t.isEmpty() ? 0.0 : t.toDouble(&ok);
+        if (t.isEmpty()) ok = true;
+    } else {
+        value = v.toDouble(&ok);
+    }
+    if (!ok || !std::isfinite(value)) notA(u"مبلغ"_s, name, v);
+    if (std::fabs(value) > 922337203685477.5807)
+        throw KavError(
+            KavError::Kind::Overflow,
+            u"مقدار پارامتر %1 از محدوده مبلغ بيرون است: «%2»"_s.arg(name, v.toString()));
     return value;
 }
 
@@ -114,8 +166,8 @@ int exceptionNew(QSqlDatabase& db, const QVariantList& p) {
                         u") values (?, ?, ?, ?, ?, ?, ?)"_s;
     run(db, sql,
         {intValue(p[0], n::atLoanID), intValue(p[1], n::atEmployeeID),
-         amountValue(p[2], n::atMonthlyDebit), dateValue(p[3]), farsiValue(p[4]), dateValue(p[5]),
-         farsiValue(p[6])});
+         amountValue(p[2], n::atMonthlyDebit), dateValue(p[3], n::atBeginDate), farsiValue(p[4]),
+         dateValue(p[5], n::atEndDate), farsiValue(p[6])});
     // The key the insert just assigned, as SCOPE_IDENTITY() gives it on SQL Server.
     const QString last = u"select last_insert_rowid()"_s;
     QSqlQuery q = run(db, last, {});
@@ -132,9 +184,9 @@ int exceptionUpdate(QSqlDatabase& db, const QVariantList& p) {
                         n::FarsiEndDate + u" = ?, "_s + n::MonthlyDebit + u" = ? where "_s + n::ID +
                         u" = ?"_s;
     run(db, sql,
-        {intValue(p[1], n::atLoanID), intValue(p[2], n::atEmployeeID), dateValue(p[3]),
-         farsiValue(p[4]), dateValue(p[5]), farsiValue(p[6]), amountValue(p[7], n::atMonthlyDebit),
-         intValue(p[0], n::atID)});
+        {intValue(p[1], n::atLoanID), intValue(p[2], n::atEmployeeID),
+         dateValue(p[3], n::atBeginDate), farsiValue(p[4]), dateValue(p[5], n::atEndDate),
+         farsiValue(p[6]), amountValue(p[7], n::atMonthlyDebit), intValue(p[0], n::atID)});
     return 0;
 }
 

@@ -7,6 +7,7 @@
 #include "base/Errors.h"
 #include "data/Procedures.h"
 #include "data/SqlDialect.h"
+#include "support/Raises.h"
 #include "support/TsqlCheck.h"
 
 using namespace Qt::StringLiterals;
@@ -181,6 +182,74 @@ TEST(Procedures, UpdateRewritesTheRowByIdAndReturnsZero) {
                        QString::number(other))
                   .toDouble(),
               100.0);
+}
+
+// The emulation takes each value as SQL Server takes it for the parameter's type: it
+// refuses what SQL Server refuses and stores Null where the suite's procedures do.
+TEST(Procedures, ParametersConvertAsOnSqlServer) {
+    ScratchDb s;
+    auto insert = [&](const QVariantList& p) {
+        return RunEmulatedProcedure(s.db(), u"spHRLoanExceptionNew"_s, p);
+    };
+    auto row = [&](int id) {
+        return s.rows(u"select * from tblHRLoanException where ID="_s + QString::number(id))[0];
+    };
+    const QDate day(2024, 3, 20);
+    using kav::test::RaisedKind;
+    for (const QVariant& notADate : {QVariant(u"abc"_s), QVariant(u"1403/01/01"_s), QVariant(7)})
+        EXPECT_EQ(RaisedKind([&] {
+                      insert({1, 1, 5.0, notADate, u""_s, day, u""_s});
+                  }),
+                  KavError::Kind::TypeMismatch)
+            << notADate.toString().toStdString();
+    for (const QVariant& notANumber : {QVariant(u"12x"_s), QVariant(u"abc"_s)})
+        EXPECT_EQ(RaisedKind([&] {
+                      insert({1, 1, notANumber, day, u""_s, day, u""_s});
+                  }),
+                  KavError::Kind::TypeMismatch);
+    EXPECT_EQ(RaisedKind([&] {
+                  insert({u"1.5"_s, 1, 5.0, day, u""_s, day, u""_s});
+              }),
+              KavError::Kind::TypeMismatch);
+    EXPECT_EQ(RaisedKind([&] {
+                  insert({1, 1, 1e16, day, u""_s, day, u""_s});
+              }),
+              KavError::Kind::Overflow);
+    EXPECT_EQ(s.scalar(u"select count(*) from tblHRLoanException"_s).toInt(), 0);
+
+    // Null dates become 1900-01-01 and empty texts; a Null amount stays Null.
+    const QVariant null;
+    const int id = insert({u"7"_s, 8.9, null, null, null, u"2024-06-20"_s, u"1403/03/31 extra"_s});
+    auto r = row(id);
+    EXPECT_EQ(r[u"loanid"_s].toInt(), 7);
+    EXPECT_EQ(r[u"employeeid"_s].toInt(), 8);  // a fraction is cut, as int takes it
+    EXPECT_TRUE(r[u"monthlydebit"_s].isNull());
+    EXPECT_EQ(r[u"begindate"_s].toString(), u"1900-01-01"_s);
+    EXPECT_EQ(r[u"farsibegindate"_s].toString(), u""_s);
+    EXPECT_FALSE(r[u"farsibegindate"_s].isNull());
+    EXPECT_EQ(r[u"enddate"_s].toString(), u"2024-06-20"_s);
+    EXPECT_EQ(r[u"farsienddate"_s].toString(), u"1403/03/31"_s);  // cut to nvarchar(10)
+
+    // Empty texts are what SQL Server makes of them: 1900-01-01 and 0.
+    EXPECT_EQ(RunEmulatedProcedure(s.db(), u"spHRLoanExceptionUpdate"_s,
+                                   {id, 7, 8, u""_s, u"1403/01/01"_s, day, u"x"_s, u""_s}),
+              0);
+    r = row(id);
+    EXPECT_EQ(r[u"begindate"_s].toString(), u"1900-01-01"_s);
+    EXPECT_EQ(r[u"monthlydebit"_s].toDouble(), 0.0);
+    EXPECT_FALSE(r[u"monthlydebit"_s].isNull());
+
+    // A Null loan is refused by the table; a Null key updates nothing; a Null user holds
+    // no permission.
+    EXPECT_EQ(RaisedKind([&] {
+                  insert({null, 1, 5.0, day, u""_s, day, u""_s});
+              }),
+              KavError::Kind::Database);
+    EXPECT_EQ(RunEmulatedProcedure(s.db(), u"spHRLoanExceptionUpdate"_s,
+                                   {null, 1, 1, day, u""_s, day, u""_s, 1.0}),
+              0);
+    EXPECT_EQ(row(id)[u"loanid"_s].toInt(), 7);
+    EXPECT_EQ(RunEmulatedProcedure(s.db(), u"spVarekHasPermission"_s, {null, 111801}), 0);
 }
 
 TEST(Procedures, WrongCallsAndFailingStatementsRaise) {

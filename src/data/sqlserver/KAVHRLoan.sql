@@ -1,11 +1,28 @@
 -- KAVHRLoan: the loan tables, views and stored procedures on SQL Server.
 --
--- In the suite's own database these objects belong to the suite; this script sets up the
--- same shape on an empty database (development, tests, a site without the suite). It is
--- kept in step with the embedded SQLite schema (src/data/EmbeddedSchema.cpp): the same
--- tables, views and column names. Dates are datetime (the module writes them as
+-- What it creates, each object only when no object of that name exists yet. Nothing is
+-- ever altered, replaced or dropped: in the suite's own database these objects belong to
+-- the suite and stay exactly as they are, so the script is safe to run there too.
+--   tables      tblHRLoanType, tblHRLoan, tblHRLoanDetail, tblHRLoanException,
+--               tblHRMonthlyPaiedLoan, tblEmployee, tblHROrdinance, tblVarekSystemParameters;
+--               tblVarekUserPermission only together with spVarekHasPermission (it holds the
+--               permissions that procedure grants)
+--   indexes     on the columns the module searches by, on the tables above
+--   views       vwHRLoanData, vwHRLoanEmployees, vwHRLoanException, vwEmployeeMajor,
+--               vwEmployeeMinor
+--   procedures  spVarekHasPermission, spHRLoanExceptionNew, spHRLoanExceptionUpdate
+--
+-- Where to run it: on the database that the module's connection string names (its Initial
+-- Catalog), as a login allowed to create tables, views and procedures in the dbo schema:
+--     sqlcmd -S SERVER -d DATABASE -E -i KAVHRLoan.sql       (or -U LOGIN -P PASSWORD)
+-- It is meant for a database without the suite (development, tests, a site that runs the
+-- module alone); on the suite's database it only adds what is missing.
+--
+-- It is kept in step with the embedded SQLite schema (src/data/EmbeddedSchema.cpp): the
+-- same tables, views and column names. Dates are datetime (the module writes them as
 -- 'yyyyMMdd'; an empty date is 1900-01-01), Persian dates nvarchar 'yyyy/mm/dd', amounts
--- money. Run it with sqlcmd -i KAVHRLoan.sql on the target database.
+-- money. Views and procedures are created through EXEC, since CREATE VIEW and CREATE
+-- PROCEDURE must each stand alone in their batch; quotes inside them are doubled.
 
 SET ANSI_NULLS ON;
 SET QUOTED_IDENTIFIER ON;
@@ -116,8 +133,10 @@ CREATE TABLE dbo.tblVarekSystemParameters (
 );
 GO
 
--- The permissions each user holds; spVarekHasPermission grants exactly these.
+-- The permissions each user holds; spVarekHasPermission grants exactly these. The suite's
+-- own role system answers instead where its procedure exists.
 IF OBJECT_ID(N'dbo.tblVarekUserPermission', N'U') IS NULL
+    AND OBJECT_ID(N'dbo.spVarekHasPermission', N'P') IS NULL
 CREATE TABLE dbo.tblVarekUserPermission (
     ID int IDENTITY(1,1) NOT NULL CONSTRAINT PK_tblVarekUserPermission PRIMARY KEY,
     UserID int NOT NULL,
@@ -125,27 +144,39 @@ CREATE TABLE dbo.tblVarekUserPermission (
 );
 GO
 
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoan_Code')
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoan_Code'
+               AND object_id = OBJECT_ID(N'dbo.tblHRLoan'))
     CREATE INDEX IX_tblHRLoan_Code ON dbo.tblHRLoan (Code);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoan_TypeID')
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoan_TypeID'
+               AND object_id = OBJECT_ID(N'dbo.tblHRLoan'))
     CREATE INDEX IX_tblHRLoan_TypeID ON dbo.tblHRLoan (TypeID);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanDetail_LoanID')
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanDetail_LoanID'
+               AND object_id = OBJECT_ID(N'dbo.tblHRLoanDetail'))
     CREATE INDEX IX_tblHRLoanDetail_LoanID ON dbo.tblHRLoanDetail (LoanID);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanDetail_EmployeeID')
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanDetail_EmployeeID'
+               AND object_id = OBJECT_ID(N'dbo.tblHRLoanDetail'))
     CREATE INDEX IX_tblHRLoanDetail_EmployeeID ON dbo.tblHRLoanDetail (EmployeeID);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanException_LoanID')
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanException_LoanID'
+               AND object_id = OBJECT_ID(N'dbo.tblHRLoanException'))
     CREATE INDEX IX_tblHRLoanException_LoanID ON dbo.tblHRLoanException (LoanID);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanException_EmployeeID')
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanException_EmployeeID'
+               AND object_id = OBJECT_ID(N'dbo.tblHRLoanException'))
     CREATE INDEX IX_tblHRLoanException_EmployeeID ON dbo.tblHRLoanException (EmployeeID);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRMonthlyPaiedLoan_LoanID')
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRMonthlyPaiedLoan_LoanID'
+               AND object_id = OBJECT_ID(N'dbo.tblHRMonthlyPaiedLoan'))
     CREATE INDEX IX_tblHRMonthlyPaiedLoan_LoanID ON dbo.tblHRMonthlyPaiedLoan (LoanID);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRMonthlyPaiedLoan_EmployeeID')
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRMonthlyPaiedLoan_EmployeeID'
+               AND object_id = OBJECT_ID(N'dbo.tblHRMonthlyPaiedLoan'))
     CREATE INDEX IX_tblHRMonthlyPaiedLoan_EmployeeID ON dbo.tblHRMonthlyPaiedLoan (EmployeeID);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblEmployee_Code')
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblEmployee_Code'
+               AND object_id = OBJECT_ID(N'dbo.tblEmployee'))
     CREATE INDEX IX_tblEmployee_Code ON dbo.tblEmployee (Code);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHROrdinance_EmployeeID')
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHROrdinance_EmployeeID'
+               AND object_id = OBJECT_ID(N'dbo.tblHROrdinance'))
     CREATE INDEX IX_tblHROrdinance_EmployeeID ON dbo.tblHROrdinance (EmployeeID);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblVarekUserPermission_UserID')
+IF OBJECT_ID(N'dbo.tblVarekUserPermission', N'U') IS NOT NULL
+    AND NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblVarekUserPermission_UserID'
+                    AND object_id = OBJECT_ID(N'dbo.tblVarekUserPermission'))
     CREATE INDEX IX_tblVarekUserPermission_UserID
         ON dbo.tblVarekUserPermission (UserID, FormPermissionID);
 GO
@@ -155,7 +186,8 @@ GO
 -- editor loads a loan with "where ID =" and the search opens the loan of a row by its ID.
 -- A loan without members still gives one row, its member columns Null, so a temporary loan
 -- saved before its members can be loaded.
-CREATE OR ALTER VIEW dbo.vwHRLoanData AS
+IF OBJECT_ID(N'dbo.vwHRLoanData', N'V') IS NULL
+EXEC(N'CREATE VIEW dbo.vwHRLoanData AS
 SELECT
     l.ID AS ID,
     l.ID AS LoanID,
@@ -179,22 +211,23 @@ SELECT
     d.SupporterEmployeeID3 AS SupporterEmployeeID3,
     t.Name AS LoanTypeDesc,
     e.Code AS EmployeeCode,
-    e.FirstName + N' ' + e.SureName AS EmployeeName,
-    s1.FirstName + N' ' + s1.SureName AS SupporterEmployeeName1,
-    s2.FirstName + N' ' + s2.SureName AS SupporterEmployeeName2,
-    s3.FirstName + N' ' + s3.SureName AS SupporterEmployeeName3
+    e.FirstName + N'' '' + e.SureName AS EmployeeName,
+    s1.FirstName + N'' '' + s1.SureName AS SupporterEmployeeName1,
+    s2.FirstName + N'' '' + s2.SureName AS SupporterEmployeeName2,
+    s3.FirstName + N'' '' + s3.SureName AS SupporterEmployeeName3
 FROM dbo.tblHRLoan l
     LEFT JOIN dbo.tblHRLoanDetail d ON d.LoanID = l.ID
     LEFT JOIN dbo.tblHRLoanType t ON t.ID = l.TypeID
     LEFT JOIN dbo.tblEmployee e ON e.ID = d.EmployeeID
     LEFT JOIN dbo.tblEmployee s1 ON s1.ID = d.SupporterEmployeeID1
     LEFT JOIN dbo.tblEmployee s2 ON s2.ID = d.SupporterEmployeeID2
-    LEFT JOIN dbo.tblEmployee s3 ON s3.ID = d.SupporterEmployeeID3;
+    LEFT JOIN dbo.tblEmployee s3 ON s3.ID = d.SupporterEmployeeID3');
 GO
 
 -- The members of each loan with their personnel code and name, and their guarantors' IDs;
 -- the member grid joins it to tblEmployee for the guarantors' names.
-CREATE OR ALTER VIEW dbo.vwHRLoanEmployees AS
+IF OBJECT_ID(N'dbo.vwHRLoanEmployees', N'V') IS NULL
+EXEC(N'CREATE VIEW dbo.vwHRLoanEmployees AS
 SELECT
     d.LoanID AS LoanID,
     d.EmployeeID AS EmployeeID,
@@ -205,52 +238,56 @@ SELECT
     d.SupporterEmployeeID2 AS SupporterEmployeeID2,
     d.SupporterEmployeeID3 AS SupporterEmployeeID3
 FROM dbo.tblHRLoanDetail d
-    LEFT JOIN dbo.tblEmployee e ON e.ID = d.EmployeeID;
+    LEFT JOIN dbo.tblEmployee e ON e.ID = d.EmployeeID');
 GO
 
 -- Instalment adjustments with the employee's name, for the adjustment list and editor.
-CREATE OR ALTER VIEW dbo.vwHRLoanException AS
+IF OBJECT_ID(N'dbo.vwHRLoanException', N'V') IS NULL
+EXEC(N'CREATE VIEW dbo.vwHRLoanException AS
 SELECT
     x.ID AS ID,
     x.LoanID AS LoanID,
     x.EmployeeID AS EmployeeID,
-    e.FirstName + N' ' + e.SureName AS EmployeeName,
+    e.FirstName + N'' '' + e.SureName AS EmployeeName,
     x.BeginDate AS BeginDate,
     x.FarsiBeginDate AS FarsiBeginDate,
     x.EndDate AS EndDate,
     x.FarsiEndDate AS FarsiEndDate,
     x.MonthlyDebit AS MonthlyDebit
 FROM dbo.tblHRLoanException x
-    LEFT JOIN dbo.tblEmployee e ON e.ID = x.EmployeeID;
+    LEFT JOIN dbo.tblEmployee e ON e.ID = x.EmployeeID');
 GO
 
 -- The employee list an employee selector searches (by code or name); a selector's filter
 -- is a WHERE condition on these columns.
-CREATE OR ALTER VIEW dbo.vwEmployeeMajor AS
+IF OBJECT_ID(N'dbo.vwEmployeeMajor', N'V') IS NULL
+EXEC(N'CREATE VIEW dbo.vwEmployeeMajor AS
 SELECT
     e.ID AS ID,
     e.Code AS Code,
     e.FirstName AS FirstName,
     e.SureName AS SureName,
-    e.FirstName + N' ' + e.SureName AS EmployeeName,
+    e.FirstName + N'' '' + e.SureName AS EmployeeName,
     e.WorkStatusID AS WorkStatusID
-FROM dbo.tblEmployee e;
+FROM dbo.tblEmployee e');
 GO
 
 -- One employee looked up by ID, for what a selector shows of the chosen record.
-CREATE OR ALTER VIEW dbo.vwEmployeeMinor AS
+IF OBJECT_ID(N'dbo.vwEmployeeMinor', N'V') IS NULL
+EXEC(N'CREATE VIEW dbo.vwEmployeeMinor AS
 SELECT
     e.ID AS ID,
     e.Code AS Code,
     e.FirstName AS FirstName,
     e.SureName AS SureName,
-    e.FirstName + N' ' + e.SureName AS EmployeeName,
+    e.FirstName + N'' '' + e.SureName AS EmployeeName,
     e.WorkStatusID AS WorkStatusID
-FROM dbo.tblEmployee e;
+FROM dbo.tblEmployee e');
 GO
 
 -- Returns 1 when the user holds the permission, else 0.
-CREATE OR ALTER PROCEDURE dbo.spVarekHasPermission
+IF OBJECT_ID(N'dbo.spVarekHasPermission', N'P') IS NULL
+EXEC(N'CREATE PROCEDURE dbo.spVarekHasPermission
     @UserID int,
     @FormPermissionID int
 AS
@@ -260,11 +297,12 @@ BEGIN
                WHERE UserID = @UserID AND FormPermissionID = @FormPermissionID)
         RETURN 1;
     RETURN 0;
-END;
+END');
 GO
 
 -- Stores a new instalment adjustment and returns its ID.
-CREATE OR ALTER PROCEDURE dbo.spHRLoanExceptionNew
+IF OBJECT_ID(N'dbo.spHRLoanExceptionNew', N'P') IS NULL
+EXEC(N'CREATE PROCEDURE dbo.spHRLoanExceptionNew
     @LoanID int,
     @EmployeeID int,
     @MonthlyDebit money,
@@ -278,14 +316,15 @@ BEGIN
     INSERT INTO dbo.tblHRLoanException
         (LoanID, EmployeeID, MonthlyDebit, BeginDate, FarsiBeginDate, EndDate, FarsiEndDate)
     VALUES
-        (@LoanID, @EmployeeID, @MonthlyDebit, ISNULL(@BeginDate, '19000101'),
-         ISNULL(@FarsiBeginDate, N''), ISNULL(@EndDate, '19000101'), ISNULL(@FarsiEndDate, N''));
+        (@LoanID, @EmployeeID, @MonthlyDebit, ISNULL(@BeginDate, ''19000101''),
+         ISNULL(@FarsiBeginDate, N''''), ISNULL(@EndDate, ''19000101''), ISNULL(@FarsiEndDate, N''''));
     RETURN CAST(SCOPE_IDENTITY() AS int);
-END;
+END');
 GO
 
 -- Rewrites an instalment adjustment by its ID; returns 0.
-CREATE OR ALTER PROCEDURE dbo.spHRLoanExceptionUpdate
+IF OBJECT_ID(N'dbo.spHRLoanExceptionUpdate', N'P') IS NULL
+EXEC(N'CREATE PROCEDURE dbo.spHRLoanExceptionUpdate
     @ID int,
     @LoanID int,
     @EmployeeID int,
@@ -300,12 +339,12 @@ BEGIN
     UPDATE dbo.tblHRLoanException
     SET LoanID = @LoanID,
         EmployeeID = @EmployeeID,
-        BeginDate = ISNULL(@BeginDate, '19000101'),
-        FarsiBeginDate = ISNULL(@FarsiBeginDate, N''),
-        EndDate = ISNULL(@EndDate, '19000101'),
-        FarsiEndDate = ISNULL(@FarsiEndDate, N''),
+        BeginDate = ISNULL(@BeginDate, ''19000101''),
+        FarsiBeginDate = ISNULL(@FarsiBeginDate, N''''),
+        EndDate = ISNULL(@EndDate, ''19000101''),
+        FarsiEndDate = ISNULL(@FarsiEndDate, N''''),
         MonthlyDebit = @MonthlyDebit
     WHERE ID = @ID;
     RETURN 0;
-END;
+END');
 GO

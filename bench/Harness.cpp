@@ -121,6 +121,8 @@ ProcessRun RunProcess(const QString& program, const QStringList& args, const QSt
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     run.wallMs = nowMs() - t0;
+    run.cpuMs = double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1000.0 +
+                double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1000.0;
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return run;
 }

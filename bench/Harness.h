@@ -25,10 +25,11 @@ double Median(std::vector<double> values);
 long ResidentKb();
 double HeapInUseMb();
 
-// One started program's wall time, peak resident memory and exit status.
+// One started program's wall time, peak resident memory, processor time and exit status.
 struct ProcessRun {
     double wallMs = 0;
     long peakKb = 0;
+    double cpuMs = 0;   // user and system time
     int exitCode = -1;  // -1: killed or not started
 };
 // Starts program with args and the environment changed by setEnv ("NAME=value"), its

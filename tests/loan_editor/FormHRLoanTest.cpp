@@ -8,29 +8,79 @@
 
 #include "EditorFixture.h"
 #include "controls/FlexGrid.h"
+#include "controls/QtPrinters.h"
 #include "controls/VarekCurrency.h"
 #include "controls/VarekDate.h"
-#include "loan_editor/LoanEditorTexts.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
 using namespace kav::test;
-namespace T = kav::editor_texts;
 
 namespace {
 
-// What the window shows for one mode: enabled buttons and menu items, editable fields.
-struct Expect {
+// The whole mode table of the window. Kind 'E': enabled or disabled; 'L': locked or open.
+// Per mode (view, edit, new, empty): '1' on or locked, '0' off or open, 'T' on for a
+// temporary loan only, 'F' on for a final loan only, '-' left as it was.
+struct ModeRow {
     const char* control;
-    bool view;
-    bool edit;
-    bool neu;
-    bool empty;
+    char kind;
+    const char* modes;
+};
+const ModeRow kModeTable[] = {
+    {"cmdNew", 'E', "1001"},
+    {"mnuNew", 'E', "1001"},
+    {"cmdEdit", 'E', "T000"},
+    {"mnuEdit", 'E', "T000"},
+    {"cmdDelete", 'E', "T000"},
+    {"mnuDelete", 'E', "T000"},
+    {"cmdRegSave", 'E', "0110"},
+    {"cmdFinSave", 'E', "0110"},
+    {"mnuRegSave", 'E', "0110"},
+    {"mnuFinSave", 'E', "0110"},
+    {"cmdCancel", 'E', "0110"},
+    {"mnuCancel", 'E', "0110"},
+    {"cmdExit", 'E', "1001"},
+    {"mnuExit", 'E', "1001"},
+    {"cmdSearch", 'E', "1001"},
+    {"mnusearch", 'E', "1101"},
+    {"cmdBacktoTemp", 'E', "FF00"},
+    {"cmdBalance", 'E', "1000"},
+    {"cmdAddEmp", 'E', "0100"},
+    {"cmdAddOrdinanceEmployees", 'E', "0100"},
+    {"cmdDeleteEmp", 'E', "0000"},
+    {"cmdDefineAccount", 'E', "1000"},
+    {"cmbLoanType", 'E', "0110"},
+    {"datLoanPayDate", 'E', "0110"},
+    {"datBeginDate", 'E', "0110"},
+    {"datEndDate", 'E', "0110"},
+    {"txtLoanValue", 'L', "1001"},
+    {"TxtPerMonth", 'L', "1001"},
+    {"txtOriginalValue", 'L', "-001"},
+    {"txtNotes", 'L', "1001"},
+    {"txtPayBackNumber", 'L', "1001"},
+    {"UseRemainedValueInFirstMonthF", 'E', "0110"},
+    {"UseRemainedValueInFirstMonthL", 'E', "0110"},
+    {"UseRemainedValueInSeparatedLastMonth", 'E', "0110"},
+    {"chkISValid", 'E', "01--"},
 };
 
-bool enabledOf(FormHRLoan& w, const QString& name) {
+// Enabled ('E') or locked ('L') as the clerk sees it.
+bool stateOf(FormHRLoan& w, const ModeRow& row) {
+    const QString name = QString::fromLatin1(row.control);
     if (auto* a = w.findChild<QAction*>(name)) return a->isEnabled();
-    return w.findChild<QWidget*>(name)->isEnabled();
+    QWidget* widget = w.findChild<QWidget*>(name);
+    if (row.kind == 'E') return widget->isEnabled();
+    if (auto* edit = qobject_cast<QLineEdit*>(widget)) return edit->isReadOnly();
+    return widget->property("locked").toBool();
+}
+
+void setState(FormHRLoan& w, const ModeRow& row, bool value) {
+    const QString name = QString::fromLatin1(row.control);
+    if (auto* a = w.findChild<QAction*>(name)) return a->setEnabled(value);
+    QWidget* widget = w.findChild<QWidget*>(name);
+    if (row.kind == 'E') return widget->setEnabled(value);
+    if (auto* edit = qobject_cast<QLineEdit*>(widget)) return edit->setReadOnly(value);
+    widget->setProperty("locked", value);
 }
 
 void setMode(FormHRLoan& w, Session& s, qint32 mode) {
@@ -40,87 +90,78 @@ void setMode(FormHRLoan& w, Session& s, qint32 mode) {
 
 }  // namespace
 
-TEST_F(EditorTest, ModeTableForTemporaryAndFinalLoans) {
-    // "on" per mode for a temporary loan; final loans differ only where noted below.
-    const Expect temporary[] = {
-        {"cmdNew", true, false, false, true},
-        {"mnuNew", true, false, false, true},
-        {"cmdEdit", true, false, false, false},
-        {"mnuEdit", true, false, false, false},
-        {"cmdDelete", true, false, false, false},
-        {"mnuDelete", true, false, false, false},
-        {"cmdRegSave", false, true, true, false},
-        {"mnuFinSave", false, true, true, false},
-        {"cmdCancel", false, true, true, false},
-        {"mnuCancel", false, true, true, false},
-        {"cmdExit", true, false, false, true},
-        {"mnuExit", true, false, false, true},
-        {"cmdSearch", true, false, false, true},
-        {"mnusearch", true, true, false, true},
-        {"cmdBacktoTemp", false, false, false, false},
-        {"cmdBalance", true, false, false, false},
-        {"cmdAddEmp", false, true, false, false},
-        {"cmdDeleteEmp", false, false, false, false},
-        {"cmdAddOrdinanceEmployees", false, true, false, false},
-        {"cmdDefineAccount", true, false, false, false},
-        {"cmbLoanType", false, true, true, false},
-        {"datBeginDate", false, true, true, false},
-        {"UseRemainedValueInSeparatedLastMonth", false, true, true, false},
-    };
+TEST_F(EditorTest, EveryControlInEveryModeForTemporaryAndFinalLoans) {
     auto& w = editor();
+    const QString titles[] = {u"وام کارمندان (مشاهده)"_s, u"وام کارمندان (ويرايش)"_s,
+                              u"وام کارمندان (جديد)"_s, u"وام کارمندان"_s};
     for (const bool final : {false, true}) {
         w.txtCode->setText(final ? u"7"_s : QString());
         for (qint32 mode = 0; mode <= 3; ++mode) {
-            setMode(w, session(), mode);
-            for (const Expect& e : temporary) {
-                bool want = std::array{e.view, e.edit, e.neu, e.empty}[std::size_t(mode)];
-                const QString name = QString::fromLatin1(e.control);
-                if (final && (name == u"cmdEdit" || name == u"mnuEdit" || name == u"cmdDelete" ||
-                              name == u"mnuDelete"))
-                    want = false;
-                if (final && name == u"cmdBacktoTemp") want = mode == 0 || mode == 1;
-                EXPECT_EQ(enabledOf(w, name), want)
-                    << e.control << " mode " << mode << (final ? " final" : " temporary");
+            // Every control starts both ways, so "left as it was" shows as well.
+            for (const bool before : {false, true}) {
+                for (const ModeRow& row : kModeTable) setState(w, row, before);
+                setMode(w, session(), mode);
+                EXPECT_EQ(w.windowTitle(), titles[mode]);
+                for (const ModeRow& row : kModeTable) {
+                    const char cell = row.modes[mode];
+                    const bool want = cell == '-'   ? before
+                                      : cell == 'T' ? !final
+                                      : cell == 'F' ? final
+                                                    : cell == '1';
+                    EXPECT_EQ(stateOf(w, row), want)
+                        << row.control << " mode " << mode << (final ? " final" : " temporary")
+                        << " was " << before;
+                }
             }
-            EXPECT_EQ(w.txtLoanValue->isLocked(), mode == 0 || mode == 3);
-            EXPECT_EQ(w.TxtPerMonth->isLocked(), mode == 0 || mode == 3);
-            EXPECT_EQ(w.txtNotes->isReadOnly(), mode == 0 || mode == 3);
-            EXPECT_EQ(w.txtPayBackNumber->isReadOnly(), mode == 0 || mode == 3);
         }
     }
-    EXPECT_EQ(w.windowTitle(), T::TitleEmpty);
-    setMode(w, session(), 0);
-    EXPECT_EQ(w.windowTitle(), u"وام کارمندان (مشاهده)"_s);
-    setMode(w, session(), 1);
-    EXPECT_EQ(w.windowTitle(), u"وام کارمندان (ويرايش)"_s);
-    setMode(w, session(), 2);
-    EXPECT_EQ(w.windowTitle(), u"وام کارمندان (جديد)"_s);
 }
 
-TEST_F(EditorTest, ViewModeLeavesTheOriginalAmountAndNewModeTheValidFlag) {
+TEST_F(EditorTest, EachCommandNeedsItsOwnPermission) {
     auto& w = editor();
-    setMode(w, session(), 3);
-    EXPECT_TRUE(w.txtOriginalValue->isLocked());
-    setMode(w, session(), 0);
-    EXPECT_TRUE(w.txtOriginalValue->isLocked());  // unchanged from empty mode
-    setMode(w, session(), 1);
-    EXPECT_FALSE(w.txtOriginalValue->isLocked());
-    setMode(w, session(), 0);
-    EXPECT_FALSE(w.txtOriginalValue->isLocked());  // still unchanged
-    EXPECT_FALSE(w.chkISValid->isEnabled());
-    setMode(w, session(), 2);
-    EXPECT_FALSE(w.chkISValid->isEnabled());  // new mode leaves it
-    setMode(w, session(), 1);
-    EXPECT_TRUE(w.chkISValid->isEnabled());
-    setMode(w, session(), 3);
-    EXPECT_TRUE(w.chkISValid->isEnabled());
+    struct Case {
+        qint32 revoked;
+        bool mayCreate, mayEdit, mayDelete;
+    };
+    for (const Case& c : {Case{0, true, true, true}, Case{111802, false, true, false},
+                          Case{111803, true, false, true}}) {
+        t.db.exec(u"delete from tblVarekUserPermission"_s);
+        for (const qint32 p : {111801, 111802, 111803})
+            if (p != c.revoked) t.grant(1, {p});
+        const QString why = QString::number(c.revoked);
+        auto refused = [&] {
+            return !t.messages->shown.isEmpty() && t.messages->last().title == u"خطا"_s &&
+                   t.messages->last().text ==
+                       u"شما فاقد نقش مورد نظر هستيد. به نگهدارنده سيستم رجوع فرمائيد."_s;
+        };
+
+        w.ViewPRSLoansInfo(TemporaryLoan);
+        t.messages->shown.clear();
+        w.cmdNew_Click();
+        EXPECT_EQ(session().LoanFormMode, c.mayCreate ? ModeNew : ModeView) << why.toStdString();
+        EXPECT_EQ(refused(), !c.mayCreate) << why.toStdString();
+
+        w.ViewPRSLoansInfo(TemporaryLoan);
+        t.messages->shown.clear();
+        w.cmdEdit_Click();
+        EXPECT_EQ(session().LoanFormMode, c.mayEdit ? ModeEdit : ModeView) << why.toStdString();
+        EXPECT_EQ(refused(), !c.mayEdit) << why.toStdString();
+
+        w.ViewPRSLoansInfo(TemporaryLoan);
+        t.messages->shown.clear();
+        t.messages->answers = {0};  // allowed, the delete is asked and then declined
+        w.cmdDelete_Click();
+        EXPECT_EQ(refused(), !c.mayDelete) << why.toStdString();
+        EXPECT_EQ(t.messages->shown.size(), 1);
+        EXPECT_EQ(t.db.scalar(u"select count(*) from tblHRLoan where ID=1"_s).toInt(), 1);
+    }
 }
 
 TEST_F(EditorTest, OpeningAFinalAndATemporaryLoan) {
     auto& w = editor();
     EXPECT_TRUE(w.ViewPRSLoansInfo(FinalLoan));
     EXPECT_EQ(session().CurrentLoanID, FinalLoan);
-    EXPECT_EQ(w.windowTitle(), T::TitleView);
+    EXPECT_EQ(w.windowTitle(), u"وام کارمندان (مشاهده)"_s);
     EXPECT_EQ(w.txtCode->text(), u"7"_s);
     EXPECT_FALSE(w.cmdEdit->isEnabled());
     EXPECT_FALSE(w.cmdDelete->isEnabled());
@@ -222,20 +263,6 @@ TEST_F(EditorTest, DefaultPaymentDateIsTodayWithoutTheParameter) {
                                              .arg(today.day, 2, 10, QChar(u'0')));
 }
 
-TEST_F(EditorTest, NewAndEditNeedTheirPermissions) {
-    t.db.exec(u"delete from tblVarekUserPermission where FormPermissionID in (111802, 111803)"_s);
-    auto& w = editor();
-    w.ViewPRSLoansInfo(TemporaryLoan);
-    w.cmdNew_Click();
-    w.cmdEdit_Click();
-    EXPECT_EQ(session().LoanFormMode, ModeView);
-    ASSERT_EQ(t.messages->shown.size(), 2);
-    for (const auto& m : t.messages->shown) {
-        EXPECT_EQ(m.title, u"خطا"_s);
-        EXPECT_EQ(m.text, u"شما فاقد نقش مورد نظر هستيد. به نگهدارنده سيستم رجوع فرمائيد."_s);
-    }
-}
-
 TEST_F(EditorTest, EditStartsAnEditUnlessPayslipsHoldTheLoan) {
     auto& w = editor();
     w.ViewPRSLoansInfo(PaidLoan);
@@ -251,7 +278,7 @@ TEST_F(EditorTest, EditStartsAnEditUnlessPayslipsHoldTheLoan) {
     EXPECT_EQ(session().LoanFormMode, ModeEdit);
     EXPECT_EQ(session().LoanEditStarted, 1);
     EXPECT_EQ(w.lblMessage->text(), u"اصلاح وام کارمندان"_s);
-    EXPECT_EQ(w.windowTitle(), T::TitleEdit);
+    EXPECT_EQ(w.windowTitle(), u"وام کارمندان (ويرايش)"_s);
 }
 
 TEST_F(EditorTest, CancelReloadsAStoredLoanOrEmptiesTheWindow) {
@@ -261,10 +288,12 @@ TEST_F(EditorTest, CancelReloadsAStoredLoanOrEmptiesTheWindow) {
     w.txtLoanValue->setText(u"5"_s);
     w.txtNotes->setText(u"changed"_s);
 
-    t.messages->answers = {0};  // no
-    w.cmdCancel_Click();
-    EXPECT_EQ(session().LoanFormMode, ModeEdit);
-    EXPECT_EQ(w.txtNotes->text(), u"changed"_s);
+    for (const QVariant& answer : {QVariant(0), QVariant(5)}) {  // no, and no answer
+        t.messages->answers = {answer};
+        w.cmdCancel_Click();
+        EXPECT_EQ(session().LoanFormMode, ModeEdit);
+        EXPECT_EQ(w.txtNotes->text(), u"changed"_s);
+    }
     EXPECT_EQ(t.messages->last().title, u"انصراف از ثبت وام کارمندان"_s);
     EXPECT_EQ(t.messages->last().text, u"آيا مطمئن هستيد؟"_s);
 
@@ -283,7 +312,7 @@ TEST_F(EditorTest, CancelReloadsAStoredLoanOrEmptiesTheWindow) {
     w.cmdCancel_Click();
     EXPECT_EQ(session().LoanFormMode, ModeEmpty);
     EXPECT_TRUE(w.txtLoanValue->Text().isEmpty());
-    EXPECT_EQ(w.windowTitle(), T::TitleEmpty);
+    EXPECT_EQ(w.windowTitle(), u"وام کارمندان"_s);
 }
 
 TEST_F(EditorTest, UnloadAsksByModeAndOnlyNoKeepsTheWindow) {
@@ -293,8 +322,10 @@ TEST_F(EditorTest, UnloadAsksByModeAndOnlyNoKeepsTheWindow) {
         qint32 mode;
         const char* question;  // nullptr: closes without asking
     };
-    const QString temporary = T::UnloadTemporaryQuestion;
-    const QString editing = T::UnloadEditQuestion;
+    const QString temporary =
+        u"در صورتي که اطلاعات را ثبت قطعي نکنيد، در محاسبات فيش حقوقي لحاظ نخواهد شد، آيا قصد خروج داريد؟"_s;
+    const QString editing =
+        u"اطلاعات ممکن است تغيير کرده باشد، آيا قصد خروج بدون ثبت تغييرات داريد؟"_s;
     for (const qint32 mode : {0, 1, 2, 3}) {
         for (const bool final : {false, true}) {
             w.ViewPRSLoansInfo(final ? FinalLoan : TemporaryLoan);

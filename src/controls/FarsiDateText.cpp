@@ -41,19 +41,19 @@ QCalendar JalaliCalendar() { return QCalendar(QCalendar::System::Jalali); }
 QDate ParseFarsiDate(const QString& text) {
     Fields f;
     if (!readFields(text, &f)) return {};
+    return JalaliCalendar().dateFromParts(f.year, f.month, f.day);
+}
+
+QDate ParseStoredFarsiDate(const QString& text) {
+    Fields f;
+    if (!readFields(text, &f)) return {};
     const QCalendar cal = JalaliCalendar();
-    // A day past the month's end (31 in the second half-year, 30 of Esfand in a common
-    // year) is taken as the month's last day, so a derived settlement date always lands on
-    // a real day.
     const int last = cal.daysInMonth(f.month, f.year);
     if (last <= 0) return {};
     return cal.dateFromParts(f.year, f.month, qMin(f.day, last));
 }
 
-bool IsExactFarsiDate(const QString& text) {
-    Fields f;
-    return readFields(text, &f) && JalaliCalendar().isDateValid(f.year, f.month, f.day);
-}
+bool IsExactFarsiDate(const QString& text) { return ParseFarsiDate(text).isValid(); }
 
 QString FarsiDateText(const QDate& date) {
     if (!date.isValid()) return {};

@@ -120,10 +120,44 @@ void VarekCurrency::editPlain(int from, int to, const QString& insert, int caret
 }
 
 void VarekCurrency::onTextEdited(const QString& text) {
-    // Pasting, cutting, undoing: the new text's separators are dropped and it is regrouped.
-    const int caret = plainPos(edit_->cursorPosition());
-    value_ = withoutSeparators(text);
-    show(caret);
+    // Pasting, cutting, dropping, undoing: the line edit changed its text by itself. The
+    // change is found against what the box showed: the characters that were replaced go,
+    // and the characters that came in go through KeyPress one by one, as if typed. Group
+    // separators and blanks in them are dropped and Persian digits read as digits; when
+    // KeyPress refuses one character, nothing of the change lands.
+    const QString before = DisplayText(value_);
+    qsizetype prefix = 0;
+    while (prefix < before.size() && prefix < text.size() && before[prefix] == text[prefix])
+        ++prefix;
+    qsizetype suffix = 0;
+    while (suffix < before.size() - prefix && suffix < text.size() - prefix &&
+           before[before.size() - 1 - suffix] == text[text.size() - 1 - suffix])
+        ++suffix;
+    auto plainIn = [&](qsizetype displayPos) {
+        return int(displayPos - before.left(displayPos).count(u'/'));
+    };
+    const int from = plainIn(prefix);
+    const int to = plainIn(before.size() - suffix);
+    const QString incoming = text.mid(prefix, text.size() - suffix - prefix);
+
+    QString accepted;
+    for (const QChar c : LatinDigits(incoming)) {
+        if (IsGroupSeparator(c)) continue;
+        int code = c == QChar(0x066B) ? int(u'.') : int(c.unicode());  // Arabic decimal point
+        emit KeyPress(code);
+        if (code <= 0 || code == 8 || code == 13 || code == 27 || code > 0xFFFF) {
+            show(plainIn(prefix));  // refused: the box keeps its amount
+            return;
+        }
+        accepted += QChar(char16_t(code));
+    }
+    editPlain(from, to, accepted, from + int(accepted.size()));
+}
+
+bool VarekCurrency::IsGroupSeparator(QChar c) {
+    // "/" as the module groups, "," and the Arabic thousands separator as pasted amounts
+    // may be grouped, and blanks.
+    return c == u'/' || c == u',' || c == QChar(0x066C) || c.isSpace();
 }
 
 bool VarekCurrency::eventFilter(QObject* watched, QEvent* event) {

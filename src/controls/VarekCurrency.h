@@ -5,7 +5,9 @@
 // text as a number (kav::AmountValue removes the separators) gives the same whole amount.
 //
 // Typed keys first go to the KeyPress signal, which may change or cancel them; the box then
-// edits its plain value and regroups it, keeping the caret after the same digit.
+// edits its plain value and regroups it, keeping the caret after the same digit. Pasted or
+// dropped text goes through KeyPress character by character in the same way, its group
+// separators dropped; a character KeyPress refuses keeps the whole paste out.
 
 #include <QString>
 #include <QWidget>
@@ -49,6 +51,9 @@ public:
     // fraction) has its whole part grouped by kav::GroupDigits; any other text is shown as
     // it is.
     static QString DisplayText(const QString& value);
+    // The characters a pasted amount may be grouped with, dropped when it comes in: "/", ",",
+    // the Arabic thousands separator and blanks.
+    static bool IsGroupSeparator(QChar c);
 
     QSize sizeHint() const override;
 

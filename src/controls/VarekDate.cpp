@@ -106,7 +106,8 @@ VarekDate::~VarekDate() = default;
 QString VarekDate::farsidate() const { return FarsiDateText(date_); }
 
 void VarekDate::setFarsidate(const QString& text) {
-    date_ = ParseFarsiDate(text);
+    date_ = ParseStoredFarsiDate(text);
+    clearRefusal();
     showDate();
 }
 
@@ -114,6 +115,7 @@ QDate VarekDate::englishdate() const { return date_; }
 
 void VarekDate::setEnglishdate(const QDate& date) {
     date_ = date.isValid() ? date : QDate();
+    clearRefusal();
     showDate();
 }
 
@@ -133,6 +135,7 @@ bool VarekDate::IsEmpty() const { return !date_.isValid(); }
 
 void VarekDate::Clear() {
     date_ = QDate();
+    clearRefusal();
     showDate();
 }
 
@@ -158,7 +161,23 @@ void VarekDate::showDate() {
     if (edit_->text() != text) edit_->setText(text);
 }
 
+void VarekDate::markRefused(const QString& typed) {
+    refused_ = typed;
+    // A red frame and a tooltip that says what was refused; the date itself is unchanged.
+    edit_->setStyleSheet(u"QLineEdit { border: 2px solid #d00000; }"_s);
+    edit_->setToolTip(
+        u"تاريخ «%1» وجود ندارد؛ تاريخ درست را به صورت سال/ماه/روز وارد کنيد."_s.arg(typed));
+}
+
+void VarekDate::clearRefusal() {
+    if (refused_.isEmpty()) return;
+    refused_.clear();
+    edit_->setStyleSheet(QString());
+    edit_->setToolTip(QString());
+}
+
 void VarekDate::setDateByUser(const QDate& date) {
+    clearRefusal();
     const bool changed = date != date_;
     date_ = date;
     showDate();
@@ -185,11 +204,14 @@ void VarekDate::onTextEdited(const QString& typed) {
         edit_->setCursorPosition(cursor);
     }
     lastTyped_ = text;
-    // A complete, real date takes effect at once; anything shorter waits for the end of
-    // the edit (Enter or leaving the box).
-    if (completeDate().match(text).hasMatch() && IsExactFarsiDate(text)) {
+    clearRefusal();
+    // A complete, real date takes effect at once; a complete date that does not exist is
+    // marked at once; anything shorter waits for the end of the edit (Enter or leaving).
+    if (completeDate().match(text).hasMatch()) {
         const QDate d = ParseFarsiDate(text);
-        if (d != date_) {
+        if (!d.isValid()) {
+            markRefused(text);
+        } else if (d != date_) {
             date_ = d;
             emit DateChanged();
         }
@@ -199,15 +221,18 @@ void VarekDate::onTextEdited(const QString& typed) {
 void VarekDate::onEditingFinished() {
     if (locked_) return;
     const QString text = edit_->text().trimmed();
-    if (text.isEmpty()) {
-        setDateByUser(QDate());
+    const QDate d = text.isEmpty() ? QDate() : ParseFarsiDate(text);
+    if (d.isValid() || text.isEmpty()) {
+        // The box's own date again (the edit ends twice when the box is left) changes nothing
+        // and keeps a refusal shown.
+        if (d != date_) setDateByUser(d);
+        showDate();
         return;
     }
-    const QDate d = ParseFarsiDate(text);
-    if (d.isValid())
-        setDateByUser(d);
-    else
-        showDate();  // unreadable: the box shows its date again
+    // A date that does not exist (or cannot be read) is refused where the clerk sees it: the
+    // box shows its date again, framed in red, and says what it refused. Nothing is clamped.
+    markRefused(LatinDigits(text));
+    showDate();
 }
 
 void VarekDate::onCalendarPicked(const QDate& date) {

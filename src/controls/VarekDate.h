@@ -26,9 +26,11 @@ public:
 
     // The date as zero-padded "yyyy/mm/dd", or the empty text.
     QString farsidate() const;
-    // Sets the date from a Jalali text; each field is read as a number (see ParseFarsiDate:
-    // unpadded, over-padded and blank-prefixed fields are fine, a day past the month's end is
-    // clamped to the last day). An unreadable or empty text leaves the box empty.
+    // Sets the date from a Jalali text a program hands in; each field is read as a number (see
+    // ParseStoredFarsiDate: unpadded, over-padded and blank-prefixed fields are fine, a day
+    // past the month's end of older data is read as the last day). An unreadable or empty
+    // text leaves the box empty. What the clerk types is taken only when the day exists:
+    // anything else is refused, shown by a red frame and a tooltip, and the date stays.
     void setFarsidate(const QString& text);
 
     // The same day in the Gregorian calendar; an invalid QDate when empty.
@@ -43,6 +45,10 @@ public:
 
     bool IsEmpty() const;
     void Clear();
+
+    // The typed text last refused (a day that does not exist, an unreadable text) while the
+    // refusal is shown; empty otherwise. Typing again or setting a date ends it.
+    QString RefusedText() const { return refused_; }
 
     // Locked: shown normally (not greyed) but the date cannot be typed or picked.
     void setLocked(bool locked);
@@ -72,6 +78,8 @@ protected:
 
 private:
     void showDate();
+    void markRefused(const QString& typed);
+    void clearRefusal();
     void setDateByUser(const QDate& date);
     void onTextEdited(const QString& text);
     void onEditingFinished();
@@ -83,6 +91,7 @@ private:
     QCalendarWidget* calendar_;
     QDate date_;
     QString lastTyped_;
+    QString refused_;
     bool locked_ = false;
 };
 

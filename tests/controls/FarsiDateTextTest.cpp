@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "QtPrinters.h"
 #include "controls/FarsiDateText.h"
+#include "support/QtPrinters.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav::controls;
@@ -39,9 +39,21 @@ TEST(FarsiDateText, AgreesWithTheGregorianCalendar) {
     EXPECT_FALSE(IsExactFarsiDate(u"1404/12/30"_s));
 }
 
-TEST(FarsiDateText, ClampsADayPastTheMonthsEnd) {
-    EXPECT_EQ(normalised(u"1404/12/30"_s), u"1404/12/29"_s);
-    EXPECT_EQ(normalised(u"1403/07/31"_s), u"1403/07/30"_s);
+// A typed date is taken exactly or not at all; a stored one past its month's end reads as
+// the month's last day.
+TEST(FarsiDateText, ADayPastTheMonthsEndIsNoDateUnlessStored) {
+    struct Case {
+        QString text, stored;
+    };
+    for (const Case& c :
+         {Case{u"1404/12/30"_s, u"1404/12/29"_s}, Case{u"1403/07/31"_s, u"1403/07/30"_s},
+          Case{u"1403/01/99"_s, u"1403/01/31"_s}}) {
+        EXPECT_FALSE(ParseFarsiDate(c.text).isValid()) << qPrintable(c.text);
+        EXPECT_FALSE(IsExactFarsiDate(c.text));
+        EXPECT_EQ(FarsiDateText(ParseStoredFarsiDate(c.text)), c.stored);
+    }
     EXPECT_EQ(normalised(u"1403/06/31"_s), u"1403/06/31"_s);  // the first half has 31 days
-    EXPECT_EQ(normalised(u"1403/01/99"_s), u"1403/01/31"_s);
+    EXPECT_EQ(FarsiDateText(ParseStoredFarsiDate(u" 1408/ 12/ 30"_s)), u"1408/12/30"_s);
+    for (const QString& text : {u"1403/13/01"_s, u"1403/00/10"_s, u"1403/01/00"_s})
+        EXPECT_FALSE(ParseStoredFarsiDate(text).isValid()) << qPrintable(text);
 }

@@ -1,14 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
 
-#include "QtPrinters.h"
 #include "controls/VarekCurrency.h"
 #include "session/TextProcs.h"
+#include "support/QtPrinters.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav::controls;
@@ -107,6 +109,41 @@ TEST(VarekCurrency, KeyPressSeesEveryKeyFirstAndMayCancelIt) {
     w.type(u"۷"_s);
     EXPECT_EQ(seen, (QList<int>{'1', '2', 'a', '3', '.', '5', 8, '7'}));
     EXPECT_EQ(w.amount->Value(), u"123.7"_s);
+}
+
+// Pasted text goes through the same filter as typed keys: separators dropped, Persian
+// digits read, and a character the filter refuses keeps the whole paste out.
+TEST(VarekCurrency, PastedTextPassesTheKeyFilter) {
+    AmountWindow w;
+    QList<int> seen;
+    QObject::connect(w.amount, &VarekCurrency::KeyPress, [&](int& key) {
+        seen.append(key);
+        if (!((key >= '0' && key <= '9') || key == '.' || key == 8)) key = 0;
+    });
+    auto paste = [&](const QString& text) {
+        QGuiApplication::clipboard()->setText(text);
+        QTest::keyClick(w.amount->lineEdit(), Qt::Key_V, Qt::ControlModifier);
+    };
+    paste(u"1/234/567"_s);
+    EXPECT_EQ(w.amount->Value(), u"1234567"_s);
+    EXPECT_EQ(seen, (QList<int>{'1', '2', '3', '4', '5', '6', '7'}));
+
+    w.amount->lineEdit()->selectAll();
+    paste(u"\u06F1\u06F2,\u06F5\u06F0\u06F0 "_s);  // Persian digits, a comma, a blank
+    EXPECT_EQ(w.amount->Value(), u"12500"_s);
+    EXPECT_EQ(w.amount->Text(), u"12/500"_s);
+
+    // Caret after "12": the pasted digits land there and the rest is regrouped.
+    w.amount->SetSelStart(2);
+    paste(u"0\u0660"_s);  // Arabic-Indic zero
+    EXPECT_EQ(w.amount->Value(), u"1200500"_s);
+
+    seen.clear();
+    w.amount->lineEdit()->selectAll();
+    paste(u"2e6"_s);  // the filter refuses "e": nothing lands
+    EXPECT_EQ(seen, (QList<int>{'2', 'e'}));
+    EXPECT_EQ(w.amount->Value(), u"1200500"_s);
+    EXPECT_EQ(w.amount->Text(), u"1/200/500"_s);
 }
 
 TEST(VarekCurrency, LockedRaisesKeyPressButKeepsItsText) {

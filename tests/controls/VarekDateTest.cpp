@@ -1,15 +1,19 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCalendarWidget>
+#include <QDialog>
+#include <QFocusEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
+#include <QTimer>
 #include <QVBoxLayout>
 
-#include "QtPrinters.h"
 #include "controls/VarekDate.h"
+#include "support/QtPrinters.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav::controls;
@@ -60,6 +64,9 @@ TEST(VarekDate, HoldsADateOrNothing) {
 
     date.setEnglishdate(date.englishdate().addDays(-1));  // as the editor steps back a day
     EXPECT_EQ(date.farsidate(), u"1404/01/30"_s);
+    date.setFarsidate(u"1403/12/30"_s);  // 1403 is a leap year
+    EXPECT_EQ(date.farsidate(), u"1403/12/30"_s);
+    // A stored Esfand 30 of a common year, as older data may hold, reads as Esfand 29.
     date.setFarsidate(u"1404/12/30"_s);
     EXPECT_EQ(date.farsidate(), u"1404/12/29"_s);
 
@@ -136,4 +143,98 @@ TEST(VarekDate, LockedRefusesInputWithoutGreying) {
     w.other->setFocus();
     EXPECT_EQ(changed.count(), 0);
     EXPECT_EQ(w.date->farsidate(), u"1403/01/01"_s);
+}
+
+// What the clerk types is taken only when the day exists; anything else is refused where
+// the clerk sees it, and the date stays as it was.
+TEST(VarekDate, ADayThatDoesNotExistIsRefusedVisibly) {
+    DateWindow w;
+    w.date->setFarsidate(u"1404/01/10"_s);
+    QSignalSpy changed(w.date, &VarekDate::DateChanged);
+    for (const QString& typed :
+         {u"1404/12/30"_s, u"1403/13/01"_s, u"1403/07/31"_s, u"1403/01/32"_s, u"1403/00/05"_s}) {
+        w.date->SetFocus();
+        w.date->lineEdit()->selectAll();
+        w.type(typed);
+        w.other->setFocus();
+        EXPECT_EQ(w.date->farsidate(), u"1404/01/10"_s) << typed.toStdString();
+        EXPECT_EQ(w.date->lineEdit()->text(), u"1404/01/10"_s);
+        EXPECT_EQ(w.date->RefusedText(), typed);
+        EXPECT_TRUE(w.date->lineEdit()->toolTip().contains(typed));
+        EXPECT_TRUE(w.date->lineEdit()->styleSheet().contains(u"border"_s));
+    }
+    EXPECT_EQ(changed.count(), 0);
+    // Enter ends the edit the same way, with Persian digits too.
+    w.date->SetFocus();
+    w.date->lineEdit()->selectAll();
+    w.type(u"\u06F1\u06F4\u06F0\u06F4/\u06F1\u06F2/\u06F3\u06F0"_s);
+    QTest::keyClick(w.date->lineEdit(), Qt::Key_Return);
+    EXPECT_EQ(w.date->farsidate(), u"1404/01/10"_s);
+    EXPECT_EQ(w.date->RefusedText(), u"1404/12/30"_s);
+
+    // A real day typed next is taken and the refusal goes.
+    w.date->lineEdit()->selectAll();
+    w.type(u"1403/12/30"_s);
+    w.other->setFocus();
+    EXPECT_EQ(w.date->farsidate(), u"1403/12/30"_s);
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_EQ(w.date->RefusedText(), QString());
+    EXPECT_EQ(w.date->lineEdit()->styleSheet(), QString());
+    EXPECT_EQ(w.date->lineEdit()->toolTip(), QString());
+}
+
+TEST(VarekDate, ArrowKeysStepOneDayUpAndDown) {
+    DateWindow w;
+    w.date->setFarsidate(u"1403/12/30"_s);
+    QSignalSpy changed(w.date, &VarekDate::DateChanged);
+    w.date->SetFocus();
+    QTest::keyClick(w.date->lineEdit(), Qt::Key_Up);
+    EXPECT_EQ(w.date->farsidate(), u"1404/01/01"_s);
+    QTest::keyClick(w.date->lineEdit(), Qt::Key_Down);
+    QTest::keyClick(w.date->lineEdit(), Qt::Key_Down);
+    EXPECT_EQ(w.date->farsidate(), u"1403/12/29"_s);
+    EXPECT_EQ(changed.count(), 3);
+    w.date->Clear();
+    QTest::keyClick(w.date->lineEdit(), Qt::Key_Up);  // an empty box stays empty
+    EXPECT_TRUE(w.date->IsEmpty());
+}
+
+// A message box opening over the window is not the clerk leaving the field: the box's
+// lost-focus (and, when the message closes, its got-focus) does not run.
+TEST(VarekDate, AMessageBoxOpeningIsNotLeavingTheField) {
+    DateWindow w;
+    int got = 0, lost = 0;
+    QObject::connect(w.date, &VarekDate::GotFocus, [&] { ++got; });
+    QObject::connect(w.date, &VarekDate::LostFocus, [&] { ++lost; });
+    w.date->SetFocus();
+    ASSERT_EQ(got, 1);
+
+    QFocusEvent activation(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    QCoreApplication::sendEvent(w.date->lineEdit(), &activation);
+    QFocusEvent popup(QEvent::FocusOut, Qt::PopupFocusReason);
+    QCoreApplication::sendEvent(w.date->lineEdit(), &popup);
+    EXPECT_EQ(lost, 0);
+
+    QDialog message(&w.window);
+    message.setModal(true);
+    auto* ok = new QPushButton(u"ادامه"_s, &message);
+    QObject::connect(ok, &QPushButton::clicked, &message, &QDialog::accept);
+    int lostWhileShown = -1;
+    bool messageActive = false;
+    QTimer::singleShot(0, &message, [&] {
+        messageActive = QTest::qWaitForWindowActive(&message);
+        lostWhileShown = lost;
+        ok->click();
+    });
+    message.exec();
+    // The offscreen platform does not hand the activation back by itself.
+    QApplication::setActiveWindow(&w.window);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&w.window));
+    EXPECT_TRUE(messageActive);
+    EXPECT_EQ(lostWhileShown, 0);
+    EXPECT_EQ(lost, 0);
+    EXPECT_EQ(got, 1);
+    EXPECT_TRUE(w.date->lineEdit()->hasFocus());
+    w.other->setFocus();  // the clerk leaving does count
+    EXPECT_EQ(lost, 1);
 }

@@ -8,10 +8,10 @@
 #include <QTest>
 #include <QVBoxLayout>
 
-#include "QtPrinters.h"
+#include "base/Errors.h"
 #include "controls/VarekSelector.h"
 #include "session/DataEnvironment.h"
-#include "base/Errors.h"
+#include "support/QtPrinters.h"
 #include "support/TestDatabase.h"
 
 using namespace Qt::StringLiterals;
@@ -167,4 +167,37 @@ TEST_F(VarekSelectorTest, TheUserFindsAnEmployeeByCodeOrName) {
     type(u"1002"_s);
     leave();
     EXPECT_EQ(s->Value(), -1);
+}
+
+// A name is found whichever kaf and yeh it is typed with (Arabic U+0643 and U+064A, Persian
+// U+06A9 and U+06CC), with Persian digits in a code, and without regard to case.
+TEST(VarekSelectorSearch, KafYehDigitsAndCaseMatchEitherWay) {
+    const QString arabic = u"\u0643\u0627\u0638\u0645\u064A"_s;   // with Arabic kaf and yeh
+    const QString persian = u"\u06A9\u0627\u0638\u0645\u06CC"_s;  // with keheh and Farsi yeh
+    EXPECT_EQ(SearchKey(arabic), SearchKey(persian));
+    EXPECT_EQ(SearchKey(u"\u0643"_s), SearchKey(u"\u06A9"_s));
+    EXPECT_EQ(SearchKey(u"\u064A"_s), SearchKey(u"\u06CC"_s));
+    EXPECT_EQ(SearchKey(u"\u0649"_s), SearchKey(u"\u06CC"_s));  // alef maksura as yeh
+    EXPECT_EQ(SearchKey(u"\u06F2\u06F0\u06F4\u06F0"_s), SearchKey(u"2040"_s));
+    EXPECT_EQ(SearchKey(u"Ali"_s), SearchKey(u"ALI"_s));
+    EXPECT_NE(SearchKey(u"\u0643"_s), SearchKey(u"\u06AF"_s));  // gaf stays gaf
+}
+
+TEST_F(VarekSelectorTest, ANameTypedWithKehehFindsItsArabicKafSpelling) {
+    QWidget window;
+    auto* s = new VarekSelector;
+    auto* layout = new QVBoxLayout(&window);
+    layout->addWidget(s);
+    configure(*s, QString());
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    s->SetFocus();
+    for (const QChar c : u"\u06A9\u0627\u0638\u0645\u06CC"_s) {  // stored as Arabic kaf and yeh
+        QTest::sendKeyEvent(QTest::Press, s->lineEdit(), Qt::Key_unknown, c, Qt::NoModifier);
+        QTest::sendKeyEvent(QTest::Release, s->lineEdit(), Qt::Key_unknown, c, Qt::NoModifier);
+    }
+    EXPECT_EQ(s->completer()->completionCount(), 1);
+    QTest::keyClick(s->lineEdit(), Qt::Key_Return);
+    EXPECT_EQ(s->Value(), 3);
 }

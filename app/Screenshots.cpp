@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
+#include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
@@ -10,6 +11,8 @@
 #include "controls/ControlGallery.h"
 #include "data/DemoData.h"
 #include "host/kavHRLoan1.h"
+#include "controls/VarekSelector.h"
+#include "loan_editor/FormHREmployee.h"
 #include "loan_editor/FormHRLoan.h"
 #include "session/MessageDialogs.h"
 #include "session/Module.h"
@@ -53,6 +56,25 @@ qint16 demoLoan(const QString& file, bool final) {
     return id;
 }
 
+// Active employees who are not members of the loan, the first `count` of them.
+QList<qint32> freeEmployees(const QString& file, qint32 loan, int count) {
+    QList<qint32> ids;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"screenshots"_s);
+        db.setDatabaseName(file);
+        if (db.open()) {
+            QSqlQuery q(db);
+            q.exec(u"select ID from tblEmployee where WorkStatusID <> 3 and ID not in (select "
+                   "EmployeeID from tblHRLoanDetail where LoanID=%1) order by ID limit %2"_s
+                       .arg(loan)
+                       .arg(count));
+            while (q.next()) ids << q.value(0).toInt();
+        }
+    }
+    QSqlDatabase::removeDatabase(u"screenshots"_s);
+    return ids;
+}
+
 }  // namespace
 
 int RenderScreenshots(const QString& dir) {
@@ -88,6 +110,26 @@ int RenderScreenshots(const QString& dir) {
     photograph(u"editor-edit"_s);
     editor.ViewPRSLoansInfo(demoLoan(file, true));
     photograph(u"editor-view-final"_s);
+
+    // The picker with a borrower and two guarantors chosen, then the editor with the member
+    // and the employees with an ordinance in the loan's period added.
+    const qint16 temporary = demoLoan(file, false);
+    const QList<qint32> people = freeEmployees(file, temporary, 3);
+    editor.ViewPRSLoansInfo(temporary);
+    editor.cmdEdit_Click();
+    module->SetModalRunner([&](QDialog& d) {
+        auto* picker = qobject_cast<kav::FormHREmployee*>(&d);
+        if (!picker || people.size() < 3) return 0;
+        picker->sltEmployeeID->setValue(people[0]);
+        picker->sltSupportEmployeeID1->setValue(people[1]);
+        picker->sltSupportEmployeeID2->setValue(people[2]);
+        written += save(*picker, dir, u"picker"_s);
+        picker->cmdOK->click();
+        return 0;
+    });
+    editor.cmdAddEmp_Click();
+    editor.cmdAddOrdinanceEmployees_Click();
+    photograph(u"members-edit"_s);
 
     auto message = kav::BuildMessageDialog(u"خطا"_s, kav::Module::RoleRefusalText(), 0);
     written += save(*message, dir, u"message"_s);

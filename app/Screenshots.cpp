@@ -3,11 +3,16 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 
+#include "adjustments/FormHRException.h"
+#include "adjustments/FormList.h"
+#include "adjustments/ScheduleExport.h"
+#include "controls/VarekDate.h"
 #include "controls/ControlGallery.h"
 #include "data/DemoData.h"
 #include "host/kavHRLoan1.h"
@@ -130,6 +135,39 @@ int RenderScreenshots(const QString& dir) {
     editor.cmdAddEmp_Click();
     editor.cmdAddOrdinanceEmployees_Click();
     photograph(u"members-edit"_s);
+
+    // The adjustment window on the demo's housing loan (2) and its member, in each mode; its
+    // list with every adjustment; the member's schedule on screen and as the PDF's first page.
+    editor.ViewPRSLoansInfo(2);
+    module->SetModalRunner([&](QDialog& d) {
+        if (auto* list = qobject_cast<kav::FormList*>(&d)) {
+            list->cmdSearch_Click();
+            written += save(*list, dir, u"adjustment-list"_s);
+            return 0;
+        }
+        auto* w = qobject_cast<kav::FormHRException*>(&d);
+        if (!w) return 0;
+        written += save(*w, dir, u"adjustment-empty"_s);
+        const QSize size = w->size();
+        w->resize(size.width(), 1040);
+        written += save(*w, dir, u"schedule"_s);
+        w->resize(size);
+        const QImage page = kav::schedule::PdfFirstPage(u"برنامه بازپرداخت وام"_s,
+                                                        w->ScheduleFacts(), w->Schedule());
+        written += page.save(QDir(dir).filePath(u"schedule-pdf.png"_s)) ? 1 : 0;
+        w->cmdList_Click();
+        w->ShowFormToEdit(1);
+        written += save(*w, dir, u"adjustment-view"_s);
+        w->cmdEdit_Click();
+        written += save(*w, dir, u"adjustment-edit"_s);
+        w->cmdNew_Click();
+        w->gdcBalancePF->setFarsidate(u"1403/08/01"_s);
+        w->gdcBalancePT->setFarsidate(u"1403/10/30"_s);
+        w->TxtPerMonth->setText(u"18/000/000"_s);
+        written += save(*w, dir, u"adjustment-new"_s);
+        return 0;
+    });
+    editor.cmdBalance_Click();
 
     auto message = kav::BuildMessageDialog(u"خطا"_s, kav::Module::RoleRefusalText(), 0);
     written += save(*message, dir, u"message"_s);

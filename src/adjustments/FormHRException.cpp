@@ -198,6 +198,8 @@ QWidget* FormHRException::buildLoanInfo() {
     for (const auto& [caption, name] : items) {
         auto* value = named(new QLabel(fraLoanInfo), name);
         value->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        // Beside its caption, numbers as well as words.
+        value->setAlignment(Qt::AlignAbsolute | Qt::AlignRight | Qt::AlignVCenter);
         QFont f = value->font();
         f.setBold(true);
         value->setFont(f);
@@ -295,6 +297,13 @@ void FormHRException::showEvent(QShowEvent* event) {
              area.top() + (area.height() - height()) / 2);
     }
     Timer1->start();
+    // The grid knows its height only once shown.
+    QTimer::singleShot(0, this, [this] { scrollBalance(); });
+}
+
+void FormHRException::scrollBalance() {
+    if (FlexBalance->Rows() > 1 && balanceTopRow_ >= 1 && balanceTopRow_ < FlexBalance->Rows())
+        FlexBalance->setTopRow(qMax(1, balanceTopRow_ - 3));
 }
 
 void FormHRException::hideEvent(QHideEvent* event) {
@@ -401,6 +410,7 @@ void FormHRException::ViewPRSBalance(qint32 employeeId) {
 
 void FormHRException::FillPRSBalance(qint32 employeeId) {
     schedule_ = schedule::Schedule();
+    balanceTopRow_ = 0;
     memberCaption_.clear();
     FlexBalance->setRows(1);
     for (const char* name : {"lblPaidSoFar", "lblDebt", "lblLastMonth"})
@@ -466,6 +476,13 @@ void FormHRException::FillPRSBalance(qint32 employeeId) {
     FlexBalance->setTextMatrix(totals, 4, schedule::AmountText(schedule_.totalDeducted));
     FlexBalance->setTextMatrix(totals, 5, schedule::AmountText(schedule_.balance));
     FlexBalance->setRedraw(true);
+    // The month after the last payslip is where the clerk's interest lies: it becomes the
+    // current row and the grid opens a little above it.
+    int next = n;
+    while (next > 0 && !schedule_.rows[next - 1].deducted) --next;
+    balanceTopRow_ = qMin(next + 1, n);
+    FlexBalance->setRow(balanceTopRow_);
+    scrollBalance();
 
     setInfo(u"lblPaidSoFar"_s, schedule::AmountText(schedule_.totalDeducted));
     setInfo(u"lblDebt"_s, schedule::AmountText(terms_->loanValue - schedule_.totalDeducted));
@@ -659,7 +676,7 @@ QString FormHRException::exportBaseName() const {
     return u"schedule-"_s + termsLoanText_ + (member.isEmpty() ? QString() : u"-"_s + member);
 }
 
-QStringList FormHRException::exportFacts() const {
+QStringList FormHRException::ScheduleFacts() const {
     const auto info = [this](const char* name) {
         const auto* l = findChild<QLabel*>(QString::fromLatin1(name));
         return l ? l->text() : QString();
@@ -687,7 +704,7 @@ void FormHRException::cmdExportPdf_Click() {
     if (path.isEmpty()) return;
     if (!path.endsWith(u".pdf"_s, Qt::CaseInsensitive)) path += u".pdf"_s;
     BusyPointer busy;
-    schedule::SavePdf(path, T::ExportTitle, exportFacts(), schedule_);
+    schedule::SavePdf(path, T::ExportTitle, ScheduleFacts(), schedule_);
 }
 
 // ---- Helpers ----

@@ -69,8 +69,10 @@ public:
     // instalment with the editor's amount only while txtPaidID still names that loan.
     QString editorLoanText;
 
-    // The schedule on display (empty rows with the reason when there is none).
+    // The schedule on display (empty rows with the reason when there is none), and what its
+    // exports say above it: the loan, the member, the terms, the dates, the balance.
     const schedule::Schedule& Schedule() const { return schedule_; }
+    QStringList ScheduleFacts() const;
 
     // Controls, named as the users' documentation names them.
     controls::VarekSelector* gmpEmployee;
@@ -119,11 +121,12 @@ private:
     void reloadStored();
     void refreshBalance();
     void showBalanceProblem(const QString& text);
+    void scrollBalance();
     QString exportBaseName() const;
-    QStringList exportFacts() const;
 
     Module& module_;
     schedule::Schedule schedule_;
+    int balanceTopRow_ = 0;  // the schedule's first month without a payslip
     // The loan whose terms are shown and the text of txtPaidID it was read for.
     std::optional<schedule::LoanTerms> terms_;
     QString termsLoanText_;

@@ -1,12 +1,14 @@
 #include "adjustments/ScheduleExport.h"
 
 #include <QFontMetricsF>
+#include <QImage>
 #include <QPageLayout>
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QSaveFile>
 #include <QTextOption>
+#include <functional>
 
 #include "base/Errors.h"
 #include "session/TextProcs.h"
@@ -62,51 +64,55 @@ struct Line {
     bool bold = false;
 };
 
-class PdfPages {
+// The pages of the schedule painted on a device (the PDF, or an image to look at): the
+// paintable area starts at the origin; newPage is asked before each page after the first and
+// stops the painting by answering false.
+class SchedulePages {
 public:
-    PdfPages(QPdfWriter& writer, const QString& title, const QStringList& facts)
-        : writer_(writer), title_(title), facts_(facts) {}
+    SchedulePages(QPaintDevice& device, const QString& title, const QStringList& facts)
+        : device_(device), title_(title), facts_(facts) {}
 
-    void print(const QList<Line>& lines) {
-        QPainter p;
-        if (!p.begin(&writer_)) return;
+    bool print(QPainter& p, const QSizeF& area, const QList<Line>& lines,
+               const std::function<bool()>& newPage) {
         p.setLayoutDirection(Qt::RightToLeft);
-        const QRectF page(QPointF(0, 0), QSizeF(writer_.width(), writer_.height()));
+        const QRectF page(QPointF(0, 0), area);
         font_ = PersianFont(9);
         titleFont_ = PersianFont(13);
         titleFont_.setBold(true);
         bold_ = font_;
         bold_.setBold(true);
         p.setFont(font_);
-        const double lineHeight = QFontMetricsF(font_, &writer_).height() * 1.5;
-        const double titleHeight = QFontMetricsF(titleFont_, &writer_).height() * 1.6;
+        const double lineHeight = QFontMetricsF(font_, &device_).height() * 1.5;
+        const double titleHeight = QFontMetricsF(titleFont_, &device_).height() * 1.6;
         const double headingHeight = titleHeight + lineHeight * (facts_.size() + 1.5);
         const int perPage = qMax(1, int((page.height() - headingHeight) / lineHeight) - 1);
         const int pages = qMax(1, int((lines.size() + perPage - 1) / perPage));
         for (int n = 0; n < pages; ++n) {
-            if (n > 0) writer_.newPage();
+            if (n > 0 && !newPage()) break;
             double y = heading(p, page, n + 1, pages, lineHeight, titleHeight);
             y = row(p, page, y, lineHeight, ColumnTitles(), true, true);
             for (qsizetype i = qsizetype(n) * perPage;
                  i < lines.size() && i < qsizetype(n + 1) * perPage; ++i)
                 y = row(p, page, y, lineHeight, lines[i].cells, lines[i].bold, false);
         }
-        p.end();
+        return true;
     }
 
 private:
     double heading(QPainter& p, const QRectF& page, int number, int pages, double lineHeight,
                    double titleHeight) {
         p.setFont(titleFont_);
+        // The painter lays out right to left, so these alignments name the physical sides.
         p.drawText(QRectF(page.left(), page.top(), page.width(), titleHeight),
-                   Qt::AlignRight | Qt::AlignVCenter, title_);
+                   Qt::AlignAbsolute | Qt::AlignRight | Qt::AlignVCenter, title_);
         p.setFont(font_);
         p.drawText(QRectF(page.left(), page.top(), page.width(), titleHeight),
-                   Qt::AlignLeft | Qt::AlignVCenter, u"صفحه %1 از %2"_s.arg(number).arg(pages));
+                   Qt::AlignAbsolute | Qt::AlignLeft | Qt::AlignVCenter,
+                   u"صفحه %1 از %2"_s.arg(number).arg(pages));
         double y = page.top() + titleHeight;
         for (const QString& fact : facts_) {
             p.drawText(QRectF(page.left(), y, page.width(), lineHeight),
-                       Qt::AlignRight | Qt::AlignVCenter, fact);
+                       Qt::AlignAbsolute | Qt::AlignRight | Qt::AlignVCenter, fact);
             y += lineHeight;
         }
         return y + lineHeight * 0.5;
@@ -122,10 +128,10 @@ private:
         for (int c = 0; c < cells.size() && c < int(std::size(kColumnShares)); ++c) {
             const double width = page.width() * kColumnShares[c];
             const QRectF cell(right - width, y, width, height);
-            // The month and the amounts are centred and right-aligned like the grid; the note
-            // starts at the right.
-            const Qt::Alignment align =
-                (titles || c == 0) ? Qt::AlignHCenter : (c == 5 ? Qt::AlignRight : Qt::AlignLeft);
+            // Centred like the window's grid; the note starts at the cell's right edge.
+            const Qt::Alignment align = (c == 5 && !titles)
+                                            ? Qt::Alignment(Qt::AlignAbsolute | Qt::AlignRight)
+                                            : Qt::Alignment(Qt::AlignHCenter);
             p.drawText(cell.adjusted(pad, 0, -pad, 0), align | Qt::AlignVCenter, cells[c]);
             right -= width;
         }
@@ -135,13 +141,43 @@ private:
         return y + height;
     }
 
-    QPdfWriter& writer_;
+    QPaintDevice& device_;
     QString title_;
     QStringList facts_;
     QFont font_, titleFont_, bold_;
 };
 
+QList<Line> lines(const Schedule& s) {
+    QList<Line> out;
+    out.reserve(s.rows.size() + 1);
+    for (const Row& r : s.rows)
+        out << Line{
+            {r.month, AmountText(r.planned), r.adjustment ? AmountText(*r.adjustment) : QString(),
+             r.deducted ? AmountText(*r.deducted) : QString(), AmountText(r.balance), RowNote(r)}};
+    out << Line{{u"جمع"_s, AmountText(s.totalPlanned), AmountText(s.totalAdjustment),
+                 AmountText(s.totalDeducted), AmountText(s.balance), QString()},
+                true};
+    return out;
+}
+
+constexpr double kMarginMm = 12;
+
 }  // namespace
+
+QImage PdfFirstPage(const QString& title, const QStringList& facts, const Schedule& s, int width) {
+    const double dpi = width / (210.0 / 25.4);
+    QImage image(width, qRound(width * 297.0 / 210.0), QImage::Format_RGB32);
+    image.setDotsPerMeterX(qRound(dpi / 0.0254));
+    image.setDotsPerMeterY(qRound(dpi / 0.0254));
+    image.fill(Qt::white);
+    const double margin = kMarginMm / 25.4 * dpi;
+    QPainter p(&image);
+    p.translate(margin, margin);
+    SchedulePages(image, title, facts)
+        .print(p, QSizeF(image.width() - 2 * margin, image.height() - 2 * margin), lines(s),
+               [] { return false; });
+    return image;
+}
 
 void SavePdf(const QString& path, const QString& title, const QStringList& facts,
              const Schedule& s) {
@@ -157,18 +193,14 @@ void SavePdf(const QString& path, const QString& title, const QStringList& facts
         writer.setCreator(u"KAVHRLoan"_s);
         writer.setResolution(300);
         writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
-                                         QMarginsF(12, 12, 12, 12), QPageLayout::Millimeter));
-        QList<Line> lines;
-        lines.reserve(s.rows.size() + 1);
-        for (const Row& r : s.rows)
-            lines << Line{{r.month, AmountText(r.planned),
-                           r.adjustment ? AmountText(*r.adjustment) : QString(),
-                           r.deducted ? AmountText(*r.deducted) : QString(), AmountText(r.balance),
-                           RowNote(r)}};
-        lines << Line{{u"جمع"_s, AmountText(s.totalPlanned), AmountText(s.totalAdjustment),
-                       AmountText(s.totalDeducted), AmountText(s.balance), QString()},
-                      true};
-        PdfPages(writer, title, facts).print(lines);
+                                         QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm),
+                                         QPageLayout::Millimeter));
+        QPainter p;
+        if (!p.begin(&writer)) fail(u"PDF"_s);
+        SchedulePages(writer, title, facts)
+            .print(p, QSizeF(writer.width(), writer.height()), lines(s),
+                   [&] { return writer.newPage(); });
+        p.end();
     }
     if (file.error() != QFileDevice::NoError) fail(file.errorString());
     if (!file.commit()) fail(file.errorString());

@@ -4,6 +4,7 @@
 // of a CSV file (amounts as plain numbers a spreadsheet reads) and a right-to-left PDF with
 // the heading and the column titles on every page.
 
+#include <QImage>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -27,5 +28,8 @@ QList<QStringList> CsvRows(const Schedule& schedule);
 // the last month. Raises KavError (Usage) naming the file when it cannot be written.
 void SavePdf(const QString& path, const QString& title, const QStringList& facts,
              const Schedule& schedule);
+// The PDF's first page as an image of the given width, to look at without a PDF reader.
+QImage PdfFirstPage(const QString& title, const QStringList& facts, const Schedule& schedule,
+                    int width = 1240);
 
 }  // namespace kav::schedule

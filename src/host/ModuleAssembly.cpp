@@ -2,6 +2,7 @@
 
 #include "adjustments/AdjustmentOpener.h"
 #include "loan_editor/FormHRLoan.h"
+#include "search/SearchOpener.h"
 #include "session/Module.h"
 #include "session/WindowPorts.h"
 
@@ -12,6 +13,7 @@ void ProvideWindows(Module& module) {
         [](Module& m) -> LoanEditorPort& { return m.Window<FormHRLoan>(); });
     module.ProvidePort<AdjustmentPort>(
         [](Module& m) -> AdjustmentPort& { return m.Window<AdjustmentOpener>(); });
+    module.ProvidePort<SearchPort>([](Module& m) -> SearchPort& { return m.Window<SearchOpener>(); });
 }
 
 }  // namespace kav

@@ -1,0 +1,53 @@
+#pragma once
+
+// A search window on a fresh database with a few loans, and a loan editor that records what
+// the search asks of it.
+
+#include <gtest/gtest.h>
+
+#include <QStringList>
+
+#include "search/FormSearch.h"
+#include "session/WindowPorts.h"
+#include "support/TestDatabase.h"
+
+namespace kav::test {
+
+// Loans the fixture stores. The search lists one row per member, a loan without members once.
+enum SearchLoan : qint32 {
+    HouseLoan = 1,        // temporary, type 1, two members, notes
+    QuotedLoan = 2,       // final (code 7), type 2, no instalment, notes with quotes
+    FinalLoan = 3,        // final (code 8), type 1, guarantor in the third place, no notes
+    LargeIdLoan = 40000,  // temporary, type 3, no members
+};
+
+void SeedSearchLoans(const TestDatabase& db);
+
+// The editor as the search sees it: records the id text and the loans opened.
+class FakeEditor : public QObject, public LoanEditorPort {
+public:
+    explicit FakeEditor(Module&) {}
+    bool ViewPRSLoansInfo(qint32 loanId) override {
+        opened << loanId;
+        return true;
+    }
+    void SetLoanIdText(const QString& text) override { idText = text; }
+    int StateValue() const override { return idText.isEmpty() ? 0 : 1; }
+    QString LoanValueText() const override { return {}; }
+    QList<qint32> opened;
+    QString idText;
+};
+
+class SearchTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    FormSearch& form() { return t.module.Window<FormSearch>(); }
+    FakeEditor& editor() { return t.module.Window<FakeEditor>(); }
+    // The data rows of the result grid, each row's cells in column order.
+    QList<QStringList> gridRows();
+    // The column of every data row.
+    QStringList column(int col);
+    TestModule t;
+};
+
+}  // namespace kav::test

@@ -1,6 +1,7 @@
 #include "Screenshots.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QDialog>
 #include <QDir>
 #include <QLineEdit>
@@ -19,6 +20,7 @@
 #include "controls/VarekSelector.h"
 #include "loan_editor/FormHREmployee.h"
 #include "loan_editor/FormHRLoan.h"
+#include "search/FormSearch.h"
 #include "session/MessageDialogs.h"
 #include "session/Module.h"
 
@@ -168,6 +170,25 @@ int RenderScreenshots(const QString& dir) {
         return 0;
     });
     editor.cmdBalance_Click();
+
+    // The search window from the editor's search button: empty, with every loan, and with a
+    // few criteria, sorted by the amount.
+    module->SetModalRunner([&](QDialog& d) {
+        auto* s = qobject_cast<kav::FormSearch*>(&d);
+        if (!s) return 0;
+        written += save(*s, dir, u"search-empty"_s);
+        s->cmdSearch_Click();
+        written += save(*s, dir, u"search-results"_s);
+        s->chkTempSave->setChecked(false);
+        s->datPaymentDatef->setFarsidate(u"1402/01/01"_s);
+        s->txtLoanValueF->setText(u"50000000"_s);
+        s->cmdSearch_Click();
+        s->DoSort(6);
+        s->DoSort(6);
+        written += save(*s, dir, u"search-criteria"_s);
+        return 0;
+    });
+    editor.cmdSearch_Click();
 
     auto message = kav::BuildMessageDialog(u"خطا"_s, kav::Module::RoleRefusalText(), 0);
     written += save(*message, dir, u"message"_s);

@@ -1,3 +1,4 @@
+#include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSettings>
@@ -11,6 +12,7 @@
 #include "host/PropertyBag.h"
 #include "host/kavHRLoan1.h"
 #include "loan_editor/FormHRLoan.h"
+#include "search/FormSearch.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
@@ -226,4 +228,26 @@ TEST_F(HostTest, PositionTreeImagesStepOnExpandAndCollapse) {
     EXPECT_EQ(node->data(0, Qt::UserRole + 1).toInt(), 8);
     host->treePosition_Collapse(node);
     EXPECT_EQ(node->data(0, Qt::UserRole + 1).toInt(), 7);
+}
+
+// From the editor's search button to a found loan shown in the editor in view mode.
+TEST_F(HostTest, SearchOpensAFoundLoanInTheEditor) {
+    t.module.SetModalRunner([](QDialog& d) {
+        if (auto* s = qobject_cast<FormSearch*>(&d)) {
+            s->chkTempSave->setChecked(false);  // final loans only: loan 2
+            s->cmdSearch->click();
+            s->Flexsearchresult->setRow(1);
+            s->Flexsearchresult_DblClick();
+        }
+        return 0;
+    });
+    host->ClearShow();
+    FormHRLoan& editor = t.module.Window<FormHRLoan>();
+    editor.cmdSearch->click();
+    EXPECT_EQ(session().LoanFormMode, ModeView);
+    EXPECT_EQ(editor.txtID->text(), u"2"_s);
+    EXPECT_EQ(editor.txtCode->text(), u"7"_s);
+    EXPECT_EQ(editor.windowTitle(), u"وام کارمندان (مشاهده)"_s);
+    EXPECT_TRUE(t.module.HasWindow<FormSearch>());  // hidden, kept for the next search
+    EXPECT_TRUE(t.messages->shown.isEmpty());
 }

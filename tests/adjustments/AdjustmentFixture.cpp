@@ -1,6 +1,7 @@
 #include "AdjustmentFixture.h"
 
 #include <QLineEdit>
+#include <QPushButton>
 
 #include "adjustments/AdjustmentOpener.h"
 #include "controls/VarekDate.h"
@@ -54,7 +55,23 @@ void AdjustmentTest::enterNew(const QString& from, const QString& to, const QStr
     w.gdcBalancePF->setFarsidate(from);
     w.gdcBalancePT->setFarsidate(to);
     w.TxtPerMonth->setText(perMonth);
-    w.cmdSave_Click();
+    w.cmdSave->click();  // through the handler boundary
+}
+
+Row AdjustmentTest::stored(qint32 id) const {
+    return t.db.rows(u"select * from tblHRLoanException where ID=%1"_s.arg(id)).value(0);
+}
+
+void AdjustmentTest::setMode(qint32 mode) {
+    session().LoanFormMode = mode;
+    window().DisableLockComponent();
+}
+
+void AdjustmentTest::expectLast(const QString& title, const QString& text) {
+    ASSERT_FALSE(t.messages->shown.isEmpty());
+    EXPECT_EQ(t.messages->last().title, title);
+    EXPECT_EQ(t.messages->last().text, text);
+    t.messages->shown.clear();
 }
 
 int AdjustmentTest::adjustmentCount() const {

@@ -37,6 +37,11 @@ protected:
     void enterNew(const QString& from, const QString& to, const QString& perMonth,
                   qint32 employee = 1);
     int adjustmentCount() const;
+    // The stored row of an adjustment (lower-case column names).
+    Row stored(qint32 id) const;
+    void setMode(qint32 mode);
+    // The last message shown had this title and text; the record of messages is emptied.
+    void expectLast(const QString& title, const QString& text);
 
     TestModule t;
     FakeEditor editor;

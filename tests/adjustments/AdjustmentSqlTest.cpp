@@ -1,15 +1,14 @@
 // The adjustment window's and the list's statements: the SQL Server texts exactly as the
-// suite's, the SQLite texts run on the embedded schema.
+// suite's. (The SQLite texts run on the embedded schema in the window tests.)
 
 #include <gtest/gtest.h>
 
-#include "AdjustmentFixture.h"
 #include "adjustments/AdjustmentSql.h"
 #include "support/TsqlCheck.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
-using namespace kav::test;
+using kav::test::CheckedTsql;
 namespace S = kav::adjustment_sql;
 
 namespace {
@@ -60,23 +59,4 @@ TEST(AdjustmentSql, ListQueryForEveryFilterCombination) {
             S::ListQuery(c.employee, QString::fromUtf16(c.begin), QString::fromUtf16(c.end));
         EXPECT_EQ(CheckedTsql(sql), base + QString::fromUtf16(c.tail));
     }
-}
-
-TEST(AdjustmentSql, SqliteTextsReadTheSeededRows) {
-    TestDatabase db;
-    SeedAdjustments(db);
-    EXPECT_EQ(db.rows(S::AdjustmentById(1)).value(0).value(u"employeename"_s).toString(),
-              u"علي رضايي"_s);
-    EXPECT_EQ(db.rows(S::StoredAdjustment(2)).value(0).value(u"farsienddate"_s).toString(), u""_s);
-    EXPECT_EQ(db.rows(S::MemberLoanRows(1, 2)).size(), 1);
-    EXPECT_EQ(db.rows(S::MemberLoanRows(1, 3)).size(), 0);
-    EXPECT_EQ(db.rows(S::LoanHeader(1)).size(), 2);  // one row per member
-    EXPECT_EQ(db.rows(S::MemberAdjustments(1, 1)).size(), 1);
-    EXPECT_EQ(db.rows(S::MemberPayslips(1, 1)).size(), 2);
-    EXPECT_EQ(db.rows(S::ListQuery(-1, u"1402/07/01"_s, QString())).size(), 1);
-    // An open end ('') passes an end bound, as a text comparison has it.
-    EXPECT_EQ(db.rows(S::ListQuery(-1, QString(), u"1402/05/01"_s)).size(), 2);
-    ASSERT_TRUE(db.exec(S::DeleteAdjustment(kLite, 1, 2)));  // the wrong employee: nothing
-    ASSERT_TRUE(db.exec(S::DeleteAdjustment(kLite, 1, 1)));
-    EXPECT_EQ(db.scalar(u"select count(*) from tblHRLoanException"_s).toInt(), 1);
 }

@@ -69,31 +69,19 @@ TEST(RepaymentSchedule, TheRemainderGoesWhereTheLoanSays) {
 
 TEST(RepaymentSchedule, AdjustmentsReplaceThePlanTheLatestHolding) {
     const QVector<Adjustment> adjustments = {
-        {5, u"1402/03/01"_s, u"1402/05/31"_s, R(50000)},
-        {9, u"1402/04/01"_s, u"1402/04/31"_s, R(0)},    // later: holds in 1402/04
-        {12, u"1402/05/01"_s, u"1402/05/31"_s, R(-1)},  // latest, replaces nothing
-        {3, u"1402/10/01"_s, QString(), R(150000)},     // open-ended
-    };
+        {5, u"1402/02/01"_s, u"1402/04/31"_s, R(50000)},
+        {9, u"1402/03/01"_s, u"1402/03/31"_s, R(0)},    // later: holds in 1402/03
+        {12, u"1402/04/01"_s, u"1402/04/31"_s, R(-1)},  // latest, replaces nothing
+        {3, u"1402/05/01"_s, QString(), R(150000)}};    // open-ended, past the settlement too
     const Schedule s =
-        Compute(terms(1200000, 100000, 12, 0, u"1402/01/31"_s, u"1402/12/29"_s), adjustments, {});
-    EXPECT_EQ(lines(s), (QStringList{
-                            u"1402/01 100000 - - 1100000"_s,
-                            u"1402/02 100000 - - 1000000"_s,
-                            u"1402/03 100000 50000 - 950000"_s,
-                            u"1402/04 100000 0 - 950000"_s,
-                            u"1402/05 100000 - - 850000"_s,
-                            u"1402/06 100000 - - 750000"_s,
-                            u"1402/07 100000 - - 650000"_s,
-                            u"1402/08 100000 - - 550000"_s,
-                            u"1402/09 100000 - - 450000"_s,
-                            u"1402/10 100000 150000 - 300000"_s,
-                            u"1402/11 100000 150000 - 150000"_s,
-                            u"1402/12 100000 150000 - 0"_s,
-                        }));
-    EXPECT_EQ(s.rows[2].adjustmentId, 5);
-    EXPECT_EQ(s.rows[3].adjustmentId, 9);
-    EXPECT_EQ(s.totalAdjustment, R(500000));
-    EXPECT_EQ(s.balance, R(0));
+        Compute(terms(600000, 100000, 6, 0, u"1402/01/31"_s, u"1402/06/31"_s), adjustments, {});
+    EXPECT_EQ(lines(s),
+              (QStringList{u"1402/01 100000 - - 500000"_s, u"1402/02 100000 50000 - 450000"_s,
+                           u"1402/03 100000 0 - 450000"_s, u"1402/04 100000 - - 350000"_s,
+                           u"1402/05 100000 150000 - 200000"_s, u"1402/06 100000 150000 - 50000"_s,
+                           u"1402/07 50000 50000 - 0 S"_s}));
+    EXPECT_EQ(s.rows[2].adjustmentId, 9);
+    EXPECT_EQ(s.totalAdjustment, R(400000));
 }
 
 TEST(RepaymentSchedule, ALowerAdjustmentLengthensTheLoanAndNoMonthPlansMoreThanIsOwed) {
@@ -181,13 +169,10 @@ TEST(RepaymentSchedule, NoScheduleWithoutAnInstalmentOrStartAndNoEndlessSchedule
 
 TEST(RepaymentSchedule, MonthsAndAmountsAsTheDatabaseHoldsThem) {
     EXPECT_EQ(MonthNumber(u"۱۴۰۲/۰۵/۱۲"_s), 1402 * 12 + 4);
-    EXPECT_EQ(MonthNumber(u"1402/5"_s), 1402 * 12 + 4);
     EXPECT_FALSE(MonthNumber(u"1402/13/01"_s));
-    EXPECT_FALSE(MonthNumber(QString()));
     EXPECT_EQ(MonthText(1402 * 12 + 11), u"1402/12"_s);
-    EXPECT_FALSE(AmountOf(QVariant()));
     EXPECT_EQ(AmountOf(QVariant(qlonglong(900'000'000'000'000LL))), R(900'000'000'000'000LL));
     EXPECT_EQ(AmountOf(QVariant(2500000.5)), Currency::fromRaw(25000005000LL));
-    EXPECT_EQ(AmountOf(QVariant(u"125000"_s)), R(125000));
+    EXPECT_FALSE(AmountOf(QVariant()));
     EXPECT_EQ(test::RaisedKind([] { AmountOf(QVariant(u"abc"_s)); }), KavError::Kind::TypeMismatch);
 }

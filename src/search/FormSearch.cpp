@@ -375,8 +375,9 @@ void FormSearch::cmdExport_Click() {
     if (path.isEmpty()) return;
     if (QFileInfo(path).suffix().isEmpty()) path += u".csv"_s;
     SaveCsv(path, search::CsvRows(*Flexsearchresult));
-    lblStatus->setText(
-        T::StatusSaved.arg(Flexsearchresult->Rows() - 1).arg(QDir::toNativeSeparators(path)));
+    // The path reads left to right inside the right-to-left line.
+    const QString shownPath = QChar(0x2066) + QDir::toNativeSeparators(path) + QChar(0x2069);
+    lblStatus->setText(T::StatusSaved.arg(Flexsearchresult->Rows() - 1).arg(shownPath));
 }
 
 // ---- Keys ----

@@ -335,8 +335,8 @@ TEST_F(SearchTest, ExportsTheShownRowsInTheirOrderAsCsv) {
         u"2,1004,زهرا,موسوي,قرض الحسنه,1402/01/15,12500000,1402/02/31,1402/12/29,1041666,12500000,12500000,ثبت موقت,,,"_s);
     EXPECT_EQ(lines[5],
               u"5,,,,مسکن,1403/01/01,3000,1403/01/31,1403/12/30,250,3000,3000,ثبت موقت,,,"_s);
-    EXPECT_EQ(f.lblStatus->text(), u"5 رکورد در فايل «%1» ذخيره شد."_s.arg(
-                                       QDir::toNativeSeparators(dir.filePath(u"loans.csv"_s))));
+    EXPECT_EQ(f.lblStatus->text(),
+              u"5 رکورد در فايل «\u2066%1\u2069» ذخيره شد."_s.arg(dir.filePath(u"loans.csv"_s)));
 }
 
 // The same fill through Qt's ODBC driver (the path of the suite's server), with the SQLite

@@ -30,10 +30,15 @@ void settle() {
     for (int i = 0; i < 3; ++i) QApplication::processEvents();
 }
 
+int unwritten = 0;
+
 void save(QWidget* widget, const QDir& dir, const QString& name) {
     settle();
     const QString file = dir.filePath(name);
-    if (!widget->grab().save(file)) qCWarning(lcGallery) << "could not write" << file;
+    if (!widget->grab().save(file)) {
+        qCWarning(lcGallery) << "could not write" << file;
+        ++unwritten;
+    }
 }
 
 // A small right-to-left panel: a caption on the right, the control on the left.
@@ -85,11 +90,12 @@ void fillGrid(FlexGrid* grid) {
 
 }  // namespace
 
-void RenderControlGallery(const QString& path) {
+int RenderControlGallery(const QString& path) {
     QDir dir(path);
+    unwritten = 0;
     if (!dir.exists() && !QDir().mkpath(path)) {
         qCWarning(lcGallery) << "could not create" << path;
-        return;
+        return GalleryPictures;
     }
 
     {
@@ -147,6 +153,7 @@ void RenderControlGallery(const QString& path) {
         fillGrid(grid);
         save(&panel, dir, u"flexgrid_filled.png"_s);
     }
+    return unwritten;
 }
 
 }  // namespace kav::controls

@@ -9,7 +9,9 @@ namespace kav::controls {
 
 // Writes into dir (created if missing): date_empty.png, date_filled.png, date_calendar.png,
 // currency_empty.png, currency_filled.png, selector_empty.png, selector_filled.png,
-// selector_list.png, flexgrid_empty.png, flexgrid_filled.png.
-void RenderControlGallery(const QString& dir);
+// selector_list.png, flexgrid_empty.png, flexgrid_filled.png. Returns how many of them could
+// not be written (0 when all were).
+int RenderControlGallery(const QString& dir);
+constexpr int GalleryPictures = 10;
 
 }  // namespace kav::controls

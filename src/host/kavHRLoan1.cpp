@@ -7,16 +7,18 @@
 #include <QPushButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <optional>
 
+#include "base/Errors.h"
 #include "controls/FlexGrid.h"
 #include "host/ModuleAssembly.h"
 #include "host/PropertyBag.h"
 #include "loan_editor/FormHRLoan.h"
 #include "loan_editor/LoanEditorTexts.h"
 #include "session/Module.h"
-#include "session/WindowSupport.h"
 #include "session/Ui.h"
 #include "session/Vb.h"
+#include "session/WindowSupport.h"
 
 using namespace Qt::StringLiterals;
 
@@ -82,12 +84,33 @@ void kavHRLoan1::InitProperties() {
 
 // PRSEmployeeID is a per-call value: it is never read from or written to the bag.
 void kavHRLoan1::ReadProperties(PropertyBag& bag) {
-    userID_ = vb::CInt(bag.ReadProperty(u"UserID"_s, 0).toDouble());
-    positionID_ = vb::CInt(bag.ReadProperty(u"PositionID"_s, 0).toDouble());
+    unread_.clear();
+    std::optional<KavError> refused;
+    // A 16-bit property: a stored text or number, rounded as CInt rounds; anything else is
+    // refused by name and the property keeps its initial value.
+    auto int16 = [&](const QString& name, qint16& property) {
+        const QVariant stored = bag.ReadProperty(name, 0);
+        try {
+            property = stored.typeId() == QMetaType::QString ? vb::CInt(stored.toString())
+                                                             : vb::CInt(stored.toDouble());
+        } catch (const KavError& e) {
+            property = 0;
+            unread_ << name;
+            const QString why = e.kind() == KavError::Kind::Overflow
+                                    ? u"خارج از محدوده عدد صحيح 16 بيتي (32768- تا 32767) است"_s
+                                    : u"عدد نيست"_s;
+            if (!refused)
+                refused.emplace(e.kind(), u"مقدار ذخيره شده ويژگي %1 («%2») %3."_s.arg(
+                                              name, stored.toString(), why));
+        }
+    };
+    int16(u"UserID"_s, userID_);
+    int16(u"PositionID"_s, positionID_);
     connectionString_ = bag.ReadProperty(u"OLEConnectionstring"_s, u"0"_s).toString();
-    employeeID_ = vb::CInt(bag.ReadProperty(u"EmployeeID"_s, 0).toDouble());
+    int16(u"EmployeeID"_s, employeeID_);
     caption_ = bag.ReadProperty(u"Caption"_s, QString()).toString();
-    modeWithChilds_ = vb::CInt(bag.ReadProperty(u"ModeWithChilds"_s, 0).toDouble());
+    int16(u"ModeWithChilds"_s, modeWithChilds_);
+    if (refused) throw *refused;
 }
 
 void kavHRLoan1::WriteProperties(PropertyBag& bag) const {
@@ -110,6 +133,7 @@ void kavHRLoan1::copyPropertiesToSession() {
 }
 
 QVariant kavHRLoan1::ClearShow() {
+    roleRefused_ = false;
     copyPropertiesToSession();
     module_->OpenSessionConnection();
     Session& s = module_->session;
@@ -120,6 +144,7 @@ QVariant kavHRLoan1::ClearShow() {
     // The mode is applied before the role check; a refused user leaves the window loaded.
     module_->Window<FormHRLoan>().DisableLockComponent();
     if (!module_->HasPermission(PermissionOpenModule)) {
+        roleRefused_ = true;
         module_->ShowRoleRefusal();
         return {};
     }
@@ -146,8 +171,8 @@ QVariant kavHRLoan1::ViewTempDocs() { return {}; }
 // ---- Test bench ----
 
 QString kavHRLoan1::DeveloperConnectionString() {
-    return u"Provider=SQLOLEDB.1;Password=kavdev;Persist Security Info=True;User ID=kavdev;"
-           "Initial Catalog=KAVHR;Data Source=.;Use Procedure for Prepare=1;"
+    return u"Provider=SQLOLEDB.1;Integrated Security=SSPI;Password=;Persist Security Info=True;"
+           "User ID=;Initial Catalog=KAVHR;Data Source=.;Use Procedure for Prepare=1;"
            "Auto Translate=False;Packet Size=4096;Workstation ID=KAVDEV"_s;
 }
 
@@ -210,11 +235,11 @@ void kavHRLoan1::layoutBench() {
     const int h = benchArea_->height();
     // 50 twips off the width, as the bench has always been laid out.
     const int narrower = std::max(0, w - 50 / 15);
-    treePosition->setGeometry(0, 0, narrower, h / 2);
-    FlexTempDocs->setGeometry(0, h / 2, narrower, h / 2);
     const int ph = Progress->sizeHint().height();
+    treePosition->setGeometry(0, 0, narrower, h / 2);
+    // The grid ends where the progress bar along the bottom edge begins.
+    FlexTempDocs->setGeometry(0, h / 2, narrower, std::max(0, h - h / 2 - ph));
     Progress->setGeometry(0, h - ph, w, ph);
-    Progress->raise();
 }
 
 void kavHRLoan1::resizeEvent(QResizeEvent* event) {
@@ -230,11 +255,25 @@ void kavHRLoan1::showEvent(QShowEvent* event) {
 void kavHRLoan1::Command1_Click() { ViewTempDocs(); }
 
 void kavHRLoan1::Command2_Click() {
+    const QString connection = connectionString_;
+    const qint16 user = userID_, position = positionID_, employee = employeeID_;
     setOLEConnectionstring(DeveloperConnectionString());
     setUserID(1);
     setPositionID(0);
     setEmployeeID(9);
-    ClearShow();
+    try {
+        ClearShow();
+    } catch (const KavError& e) {
+        // A connection that failed to open is not kept: the properties go back to what they
+        // were, so it is never written to the bag.
+        if (e.kind() == KavError::Kind::Connection) {
+            setOLEConnectionstring(connection);
+            setUserID(user);
+            setPositionID(position);
+            setEmployeeID(employee);
+        }
+        throw;
+    }
 }
 
 void kavHRLoan1::cmdClearShow_Click() { ClearShow(); }

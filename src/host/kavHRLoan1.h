@@ -6,9 +6,15 @@
 //   kav::kavHRLoan1 loans;
 //   loans.setOLEConnectionstring(u"Provider=SQLOLEDB;Data Source=.;..."_s);
 //   loans.setUserID(12);
-//   loans.ClearShow();  // returns when the loan window is closed
+//   try {
+//       loans.ClearShow();  // returns when the loan window is closed
+//   } catch (const kav::KavError& e) {
+//       // The database could not be reached or refused a statement: e.message() says why,
+//       // in Persian, ready to show.
+//   }
 
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <QWidget>
 #include <memory>
@@ -65,16 +71,32 @@ public:
     void setModeWithChilds(qint16 value);
 
     // Opens the loan window for work after the role check: empty, or new when
-    // PRSEmployeeID is positive. Returns when the window is closed.
+    // PRSEmployeeID is positive. Returns when the window is closed, or at once when the role
+    // check refused the user (after showing the refusal; RoleWasRefused tells).
+    // Errors inside the window are shown there; what ClearShow itself raises reaches the
+    // host as kav::KavError (base/Errors.h), with a Persian message ready to show:
+    //   Connection  the connection string names no database that opens (the initial "0",
+    //               an unknown provider, a missing file, a server that does not answer);
+    //   Database    the database refused a statement (the role check, the loan types);
+    //   Busy        another client held the database past the wait.
     QVariant ClearShow();
-    // Opens one stored loan read-only, without a role check.
+    // Opens one stored loan read-only, without a role check. Raises as ClearShow does (the
+    // loan is read before the window opens).
     QVariant View(qint32& loanId);
+    // True when the last ClearShow stopped at the role check.
+    bool RoleWasRefused() const { return roleRefused_; }
     // Kept for hosts that call it; does nothing.
     QVariant ViewTempDocs();
 
     // The container's property events.
     void InitProperties();
+    // Reads the stored properties. A stored value the property cannot hold (not a number, or
+    // outside the 16-bit range) leaves that property at its initial value; once every other
+    // property has been read, KavError (TypeMismatch or Overflow) is raised naming the
+    // property and the stored value. UnreadProperties then names the properties refused, so a
+    // host can set them itself and go on.
     void ReadProperties(PropertyBag& bag);
+    QStringList UnreadProperties() const { return unread_; }
     void WriteProperties(PropertyBag& bag) const;
 
     Module& module() { return *module_; }
@@ -98,7 +120,8 @@ public:
     void treePosition_Expand(QTreeWidgetItem* node);
     void treePosition_Collapse(QTreeWidgetItem* node);
 
-    // The connection string of the developer's own SQL Server that Command2 uses.
+    // The connection string of the developer's own SQL Server that Command2 uses: the local
+    // server with integrated security, no account and no password in it.
     static QString DeveloperConnectionString();
 
 signals:
@@ -123,6 +146,8 @@ private:
     qint32 prsEmployeeID_ = 0;
     QString caption_;
     qint16 modeWithChilds_ = 0;
+    bool roleRefused_ = false;
+    QStringList unread_;
     QWidget* benchArea_ = nullptr;
 };
 

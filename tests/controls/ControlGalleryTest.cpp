@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
 
@@ -14,7 +15,7 @@ TEST(ControlGallery, RendersEveryControlFilledAndEmpty) {
     const QString dir = qEnvironmentVariableIsEmpty("KAV_GALLERY_DIR")
                             ? temp.path()
                             : qEnvironmentVariable("KAV_GALLERY_DIR");
-    kav::controls::RenderControlGallery(dir);
+    EXPECT_EQ(kav::controls::RenderControlGallery(dir), 0);
     for (const QString& name :
          {u"date_empty"_s, u"date_filled"_s, u"date_calendar"_s, u"currency_empty"_s,
           u"currency_filled"_s, u"selector_empty"_s, u"selector_filled"_s, u"selector_list"_s,
@@ -23,4 +24,12 @@ TEST(ControlGallery, RendersEveryControlFilledAndEmpty) {
         EXPECT_FALSE(image.isNull()) << qPrintable(name);
         EXPECT_GT(image.width(), 50) << qPrintable(name);
     }
+}
+
+TEST(ControlGallery, SaysHowManyPicturesItCouldNotWrite) {
+    QTemporaryDir temp;
+    QFile blocker(temp.filePath(u"file"_s));  // a file where the folder should be
+    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+    EXPECT_EQ(kav::controls::RenderControlGallery(temp.filePath(u"file/gallery"_s)), 10);
 }

@@ -1,5 +1,7 @@
+#include <QApplication>
 #include <QCheckBox>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QSettings>
 #include <QSignalSpy>
@@ -13,6 +15,8 @@
 #include "host/kavHRLoan1.h"
 #include "loan_editor/FormHRLoan.h"
 #include "search/FormSearch.h"
+#include "support/QtPrinters.h"
+#include "support/Raises.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
@@ -92,41 +96,103 @@ TEST(HostProperties, BagRoundTripInOrderWithoutDefaultsOrPRSEmployee) {
     EXPECT_EQ(bag.writes, order);
     EXPECT_TRUE(bag.stored.empty());  // every value equals its default
 
-    a.setUserID(12);
-    a.setOLEConnectionstring(u"Provider=SQLite;Data Source=x.db"_s);
-    a.setCaption(u" وام "_s);
-    a.setPRSEmployeeID(99);
-    a.setModeWithChilds(2);
-    a.WriteProperties(bag);
-    EXPECT_EQ(bag.stored.size(), 4u);
-    EXPECT_FALSE(bag.stored.count(u"PRSEmployeeID"_s));
-
     kavHRLoan1 b;
     b.setPRSEmployeeID(5);
     b.ReadProperties(bag);
     EXPECT_EQ(bag.reads, order);
-    EXPECT_EQ(b.UserID(), 12);
-    EXPECT_EQ(b.OLEConnectionstring(), u"Provider=SQLite;Data Source=x.db"_s);
-    EXPECT_EQ(b.Caption(), u" وام "_s);
-    EXPECT_EQ(b.ModeWithChilds(), 2);
-    EXPECT_EQ(b.PositionID(), 0);
+    EXPECT_TRUE(b.UnreadProperties().isEmpty());
+}
 
-    // Through QSettings, as the host application keeps them.
+// Each property goes to the settings under its own name, with its own value, and leaves
+// them when set back to its default.
+TEST(HostProperties, SettingsKeepEachPropertyUnderItsNameUntilItIsTheDefaultAgain) {
     QTemporaryDir dir;
+    const QString file = dir.filePath(u"host.ini"_s);
     {
-        QSettings settings(dir.filePath(u"host.ini"_s), QSettings::IniFormat);
-        SettingsPropertyBag sbag(settings, u"kavHRLoan1"_s);
-        a.WriteProperties(sbag);
-        EXPECT_FALSE(settings.contains(u"kavHRLoan1/PositionID"_s));
-        EXPECT_FALSE(settings.contains(u"kavHRLoan1/PRSEmployeeID"_s));
+        kavHRLoan1 a;
+        a.setUserID(12);
+        a.setPositionID(34);
+        a.setOLEConnectionstring(u"Provider=SQLite;Data Source=x.db"_s);
+        a.setEmployeeID(56);
+        a.setPRSEmployeeID(99);
+        a.setCaption(u" وام "_s);
+        a.setModeWithChilds(7);
+        QSettings settings(file, QSettings::IniFormat);
+        SettingsPropertyBag bag(settings, u"kavHRLoan1"_s);
+        a.WriteProperties(bag);
     }
-    QSettings settings(dir.filePath(u"host.ini"_s), QSettings::IniFormat);
-    SettingsPropertyBag sbag(settings, u"kavHRLoan1"_s);
+    {
+        QSettings settings(file, QSettings::IniFormat);
+        QStringList keys = settings.allKeys();
+        keys.sort();
+        EXPECT_EQ(keys,
+                  (QStringList{u"kavHRLoan1/Caption"_s, u"kavHRLoan1/EmployeeID"_s,
+                               u"kavHRLoan1/ModeWithChilds"_s, u"kavHRLoan1/OLEConnectionstring"_s,
+                               u"kavHRLoan1/PositionID"_s, u"kavHRLoan1/UserID"_s}));
+        EXPECT_EQ(settings.value(u"kavHRLoan1/UserID"_s).toInt(), 12);
+        EXPECT_EQ(settings.value(u"kavHRLoan1/PositionID"_s).toInt(), 34);
+        EXPECT_EQ(settings.value(u"kavHRLoan1/EmployeeID"_s).toInt(), 56);
+        EXPECT_EQ(settings.value(u"kavHRLoan1/ModeWithChilds"_s).toInt(), 7);
+        EXPECT_EQ(settings.value(u"kavHRLoan1/Caption"_s).toString(), u" وام "_s);
+
+        kavHRLoan1 b;
+        b.setPRSEmployeeID(5);
+        SettingsPropertyBag bag(settings, u"kavHRLoan1"_s);
+        b.ReadProperties(bag);
+        EXPECT_EQ(b.UserID(), 12);
+        EXPECT_EQ(b.PositionID(), 34);
+        EXPECT_EQ(b.OLEConnectionstring(), u"Provider=SQLite;Data Source=x.db"_s);
+        EXPECT_EQ(b.EmployeeID(), 56);
+        EXPECT_EQ(b.Caption(), u" وام "_s);
+        EXPECT_EQ(b.ModeWithChilds(), 7);
+
+        // Back to the defaults: nothing is left stored.
+        b.setUserID(0);
+        b.setPositionID(0);
+        b.setOLEConnectionstring(u"0"_s);
+        b.setEmployeeID(0);
+        b.setCaption(QString());
+        b.setModeWithChilds(0);
+        b.WriteProperties(bag);
+    }
+    QSettings settings(file, QSettings::IniFormat);
+    EXPECT_EQ(settings.allKeys(), QStringList());
+}
+
+// A stored value a 16-bit property cannot hold is refused by name, never read as 0 in
+// silence; the other properties are read all the same.
+TEST(HostProperties, AStoredValueThatIsNoNumberIsRefusedByName) {
+    MemoryBag bag;
+    bag.stored[u"UserID"_s] = u"abc"_s;
+    bag.stored[u"EmployeeID"_s] = u"40000"_s;
+    bag.stored[u"PositionID"_s] = u" 8 "_s;
+    bag.stored[u"Caption"_s] = u"عنوان"_s;
     kavHRLoan1 c;
-    c.ReadProperties(sbag);
-    EXPECT_EQ(c.UserID(), 12);
-    EXPECT_EQ(c.Caption(), u" وام "_s);
-    EXPECT_EQ(c.OLEConnectionstring(), a.OLEConnectionstring());
+    c.setUserID(5);
+    try {
+        c.ReadProperties(bag);
+        ADD_FAILURE() << "read without complaint";
+    } catch (const KavError& e) {
+        EXPECT_EQ(e.kind(), KavError::Kind::TypeMismatch);
+        EXPECT_EQ(e.message(), u"مقدار ذخيره شده ويژگي UserID («abc») عدد نيست."_s);
+    }
+    EXPECT_EQ(c.UnreadProperties(), (QStringList{u"UserID"_s, u"EmployeeID"_s}));
+    EXPECT_EQ(c.UserID(), 0);
+    EXPECT_EQ(c.EmployeeID(), 0);
+    EXPECT_EQ(c.PositionID(), 8);
+    EXPECT_EQ(c.Caption(), u"عنوان"_s);
+
+    bag.stored.erase(u"UserID"_s);
+    try {
+        c.ReadProperties(bag);
+        ADD_FAILURE() << "read without complaint";
+    } catch (const KavError& e) {
+        EXPECT_EQ(e.kind(), KavError::Kind::Overflow);
+        EXPECT_EQ(e.message(),
+                  u"مقدار ذخيره شده ويژگي EmployeeID («40000») خارج از محدوده عدد صحيح 16 بيتي "
+                  u"(32768- تا 32767) است."_s);
+    }
+    EXPECT_EQ(c.UnreadProperties(), QStringList{u"EmployeeID"_s});
 }
 
 TEST_F(HostTest, ClearShowModeFollowsPRSEmployee) {
@@ -153,10 +219,13 @@ TEST_F(HostTest, ClearShowTitles) {
 }
 
 TEST_F(HostTest, RoleRefusalLeavesTheWindowLoadedButUnshown) {
+    host->ClearShow();
+    EXPECT_FALSE(host->RoleWasRefused());
     host->setUserID(2);  // no permissions
     host->setPRSEmployeeID(3);
     host->ClearShow();
-    EXPECT_EQ(shown, 0);
+    EXPECT_TRUE(host->RoleWasRefused());
+    EXPECT_EQ(shown, 1);
     ASSERT_EQ(t.messages->shown.size(), 1);
     EXPECT_EQ(t.messages->last().title, u"خطا"_s);
     EXPECT_EQ(t.messages->last().text,
@@ -250,4 +319,48 @@ TEST_F(HostTest, SearchOpensAFoundLoanInTheEditor) {
     EXPECT_EQ(editor.windowTitle(), u"وام کارمندان (مشاهده)"_s);
     EXPECT_TRUE(t.module.HasWindow<FormSearch>());  // hidden, kept for the next search
     EXPECT_TRUE(t.messages->shown.isEmpty());
+}
+
+// What the entry methods raise reaches the host, as their documentation says.
+TEST_F(HostTest, EntryMethodsRaiseWhenTheDatabaseDoesNotOpen) {
+    host->setOLEConnectionstring(u"Provider=SQLite;Data Source=/no/such/folder/loans.db"_s);
+    EXPECT_EQ(RaisedKind([&] { host->ClearShow(); }), KavError::Kind::Connection);
+    qint32 id = FinalLoan;
+    EXPECT_EQ(RaisedKind([&] { host->View(id); }), KavError::Kind::Connection);
+    EXPECT_EQ(shown, 0);
+}
+
+// The developer's connection names no account and no password, and when it does not open
+// the bench puts the properties back, so it is never stored.
+TEST_F(HostTest, TheBenchKeepsNoConnectionThatFailedToOpen) {
+    const QString developer = kavHRLoan1::DeveloperConnectionString();
+    EXPECT_TRUE(developer.contains(u"Integrated Security=SSPI;"_s));
+    EXPECT_TRUE(developer.contains(u"Password=;"_s));
+    EXPECT_TRUE(developer.contains(u"User ID=;"_s));
+
+    // The developer's server is this machine (the loopback address), where none answers.
+    host->setPositionID(4);
+    host->setEmployeeID(6);
+    host->Command2->click();
+    EXPECT_EQ(shown, 0);
+    ASSERT_EQ(t.messages->shown.size(), 1);
+    EXPECT_EQ(t.messages->last().title, u"خطا"_s);
+    EXPECT_EQ(host->OLEConnectionstring(), t.db.connectionString());
+    EXPECT_EQ(host->UserID(), 1);
+    EXPECT_EQ(host->PositionID(), 4);
+    EXPECT_EQ(host->EmployeeID(), 6);
+}
+
+TEST_F(HostTest, TheBenchProgressBarLeavesTheGridWhole) {
+    for (const QSize size : {QSize(720, 420), QSize(500, 300), QSize(1200, 900)}) {
+        host->resize(size);
+        host->show();
+        QApplication::processEvents();
+        const QRect grid = host->FlexTempDocs->geometry();
+        const QRect progress = host->Progress->geometry();
+        EXPECT_FALSE(grid.intersects(progress));
+        EXPECT_EQ(grid.bottom() + 1, progress.top());
+        EXPECT_FALSE(grid.intersects(host->treePosition->geometry()));
+        EXPECT_GT(grid.height(), 0);
+    }
 }

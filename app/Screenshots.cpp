@@ -23,6 +23,7 @@
 #include "search/FormSearch.h"
 #include "session/MessageDialogs.h"
 #include "session/Module.h"
+#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 
@@ -38,11 +39,14 @@ public:
     QVariant Resualt() const override { return 1; }
 };
 
+QStringList unwritten;
+
 int save(QWidget& w, const QString& dir, const QString& name) {
     w.show();
     QApplication::processEvents();
     const bool ok = w.grab().save(QDir(dir).filePath(name + u".png"_s));
     w.hide();
+    if (!ok) unwritten << name + u".png"_s;
     return ok ? 1 : 0;
 }
 
@@ -87,7 +91,8 @@ QList<qint32> freeEmployees(const QString& file, qint32 loan, int count) {
 int RenderScreenshots(const QString& dir) {
     QDir().mkpath(dir);
     int written = 0;
-    kav::controls::RenderControlGallery(dir);
+    unwritten.clear();
+    const int galleryUnwritten = kav::controls::RenderControlGallery(dir);
 
     QTemporaryDir temp;
     const QString file = temp.filePath(u"demo.db"_s);
@@ -109,12 +114,16 @@ int RenderScreenshots(const QString& dir) {
 
     auto& editor = module->Window<kav::FormHRLoan>();
     auto photograph = [&](const QString& name) { written += save(editor, dir, name); };
+    // Each mode is reached the way a clerk reaches it, so each shows its own status line:
+    // Cancel (answered yes) ends the new and the edit mode and clears it.
     editor.cmdNew_Click();
     photograph(u"editor-new"_s);
+    editor.cmdCancel_Click();
     editor.ViewPRSLoansInfo(demoLoan(file, false));
     photograph(u"editor-view-temporary"_s);
     editor.cmdEdit_Click();
     photograph(u"editor-edit"_s);
+    editor.cmdCancel_Click();
     editor.ViewPRSLoansInfo(demoLoan(file, true));
     photograph(u"editor-view-final"_s);
 
@@ -197,5 +206,10 @@ int RenderScreenshots(const QString& dir) {
     written += save(*question, dir, u"question"_s);
 
     written += save(host, dir, u"test-bench"_s);
+    if (galleryUnwritten > 0 || !unwritten.isEmpty())
+        throw kav::KavError(
+            kav::KavError::Kind::Usage,
+            u"%1 تصوير در «%2» نوشته نشد. %3"_s.arg(
+                QString::number(galleryUnwritten + unwritten.size()), dir, unwritten.join(u" "_s)));
     return int(QDir(dir).entryList({u"*.png"_s}, QDir::Files).size());
 }

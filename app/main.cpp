@@ -1,29 +1,75 @@
 // kavhrloan: the host application. It embeds the loan control and opens the module, by
 // default on the embedded demo database as the demo user who holds every permission.
+//
+// Exit codes: 0 the window was closed (or a headless option finished); 1 a command-line
+// usage error (Qt's own); 2 the module could not start (no display, a database that does not
+// open, a stored property that cannot be read, no user for a database other than the demo, a
+// screenshot that cannot be written); 3 the user's role was refused.
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDialog>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
 #include <cstdio>
+#include <memory>
+#include <optional>
 
 #include "Screenshots.h"
+#include "base/Errors.h"
 #include "data/DemoData.h"
 #include "host/PropertyBag.h"
 #include "host/kavHRLoan1.h"
-#include "base/Errors.h"
+#include "session/MessageDialogs.h"
+#include "session/Module.h"
 #include "session/Vb.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-int fail(const QString& line) {
-    std::fprintf(stderr, "kavhrloan: %s\n", line.toUtf8().constData());
-    return 2;
+constexpr int ExitStartFailed = 2;
+constexpr int ExitRoleRefused = 3;
+
+// The group under which the control's properties are kept in the settings file.
+const QString kPropertyGroup = u"kavHRLoan1"_s;
+
+void printLine(FILE* stream, const QString& line) {
+    std::fprintf(stream, "kavhrloan: %s\n", line.toUtf8().constData());
 }
+
+// True when there is a screen a person looks at (not the offscreen or minimal platform).
+bool onScreen() {
+    const QString platform = QGuiApplication::platformName();
+    return platform != u"offscreen" && platform != u"minimal";
+}
+
+// A start-up failure: on stderr, and in a message box when there is a screen to show it on.
+int fail(const QString& message) {
+    printLine(stderr, message);
+    if (onScreen()) kav::BuildMessageDialog(u"خطا"_s, message, 0)->exec();
+    return ExitStartFailed;
+}
+
+// Without a screen nobody could answer a message box: messages go to stderr, and a question
+// gets no answer.
+class StderrMessages : public kav::MessageComponent {
+public:
+    void SetFormTitle(const QVariant& title) override { title_ = title.toString(); }
+    void SetFormMessage(const QString& message) override { message_ = message; }
+    void SetFormType(qint16 type) override { type_ = type; }
+    void ClearShow() override {
+        printLine(stderr, title_ + u": "_s + message_ + (type_ == 1 ? u" [?]"_s : QString()));
+    }
+    QVariant Resualt() const override { return -1; }
+
+private:
+    QString title_, message_;
+    qint16 type_ = 0;
+};
 
 QString demoDatabasePath() {
     const QString dir = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
@@ -31,14 +77,35 @@ QString demoDatabasePath() {
     return QDir(dir).filePath(u"kavhrloan-demo.db"_s);
 }
 
-}  // namespace
+// The demo database, made when it is missing, empty (a zero-byte file) or without the loan
+// tables; a file there that is no database at all is replaced.
+QString demoConnection() {
+    const QString file = demoDatabasePath();
+    try {
+        kav::data::CreateDemoDatabase(file);
+    } catch (const kav::KavError&) {
+        if (!QFileInfo::exists(file) || !QFile::remove(file)) throw;
+        kav::data::CreateDemoDatabase(file);
+    }
+    return kav::data::EmbeddedConnectionString(file);
+}
+
+// A 16-bit id given on the command line; a text that is no such number names the option.
+qint16 int16Option(const QCommandLineParser& parser, const QCommandLineOption& option) {
+    try {
+        return kav::vb::CInt(parser.value(option));
+    } catch (const kav::KavError& e) {
+        throw kav::KavError(e.kind(), u"--%1: %2"_s.arg(option.names().constFirst(), e.message()));
+    }
+}
 
 // Options that show no window work without a display.
 bool headlessRun(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const QByteArray a(argv[i]);
         if (a.startsWith("--create-demo-db") || a.startsWith("--screenshots") || a == "--help" ||
-            a == "-h" || a == "-?")
+            a == "--help-all" || a == "-h" || a == "-?" || a == "--version" || a == "-v" ||
+            a == "--reset-settings")
             return true;
     }
     return false;
@@ -50,28 +117,40 @@ bool hasDisplay() {
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
+}  // namespace
+
 int main(int argc, char** argv) {
     if (!hasDisplay()) {
         if (!headlessRun(argc, argv)) {
             std::fprintf(stderr,
                          "kavhrloan: no display to show the loan window on (DISPLAY is not "
                          "set); --screenshots DIR renders the windows without one.\n");
-            return 2;
+            return ExitStartFailed;
         }
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QApplication app(argc, argv);
     QApplication::setOrganizationName(u"KAV"_s);
     QApplication::setApplicationName(u"kavhrloan"_s);
+    QApplication::setApplicationVersion(QStringLiteral(KAV_VERSION));
     QApplication::setLayoutDirection(Qt::RightToLeft);
+    QSettings settings;
 
     QCommandLineParser parser;
     parser.setApplicationDescription(
         u"Employee loans of the HR and payroll suite.\n"
-        "Without options the loan window opens on the embedded demo database (created in the "
-        "user's data folder when missing) as the demo user who holds every permission. The "
-        "control's properties are kept between runs; options given here replace them."_s);
+        "Without options the loan window opens with the control's stored properties; when no "
+        "connection is stored, on the embedded demo database (made in the user's data folder "
+        "when missing or empty) as the demo user who holds every permission. On any other "
+        "database the user must be given (--user, or a stored UserID). Options given here "
+        "replace the stored properties, which are kept after a successful start in\n  "_s +
+        settings.fileName() + u"\n(group [kavHRLoan1]; --reset-settings forgets them)."_s);
     parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption demo(
+        u"demo"_s,
+        u"Open the demo database as the demo user, whatever the stored properties say; "
+        "nothing is stored."_s);
     const QCommandLineOption connection(
         u"connection"_s,
         u"OLE DB connection string: a SQL Server provider (SQLOLEDB, SQLNCLI, MSOLEDBSQL) with "
@@ -91,28 +170,16 @@ int main(int argc, char** argv) {
     const QCommandLineOption view(u"view"_s, u"Open the loan with this id read-only (View)."_s,
                                   u"id"_s);
     const QCommandLineOption bench(u"bench"_s, u"Show the control's test bench."_s);
+    const QCommandLineOption resetSettings(
+        u"reset-settings"_s, u"Forget the stored properties of the control and exit."_s);
     const QCommandLineOption createDemo(u"create-demo-db"_s,
                                         u"Create a demo database in FILE and exit."_s, u"FILE"_s);
     const QCommandLineOption screenshots(
         u"screenshots"_s, u"Render every window and control to PNG files in DIR and exit."_s,
         u"DIR"_s);
-    const QCommandLineOption quitWhenShown(
-        u"quit-when-shown"_s,
-        u"Close the first window as soon as it has been painted (for measuring start-up)."_s);
-    parser.addOptions({connection, user, position, employee, prsEmployee, caption, view, bench,
-                       createDemo, screenshots, quitWhenShown});
+    parser.addOptions({demo, connection, user, position, employee, prsEmployee, caption, view,
+                       bench, resetSettings, createDemo, screenshots});
     parser.process(app);
-    // Closes the first dialog that paints, the way its close box would.
-    struct CloseWhenPainted : QObject {
-        bool eventFilter(QObject* object, QEvent* event) override {
-            if (event->type() == QEvent::Paint && object->inherits("QDialog")) {
-                QMetaObject::invokeMethod(object, "close", Qt::QueuedConnection);
-                QCoreApplication::instance()->removeEventFilter(this);
-            }
-            return false;
-        }
-    } closeWhenPainted;
-    if (parser.isSet(quitWhenShown)) app.installEventFilter(&closeWhenPainted);
 
     try {
         if (parser.isSet(createDemo)) {
@@ -127,35 +194,77 @@ int main(int argc, char** argv) {
                         QDir(parser.value(screenshots)).absolutePath().toUtf8().constData());
             return 0;
         }
-
-        kav::kavHRLoan1 control;
-        QSettings settings;
-        kav::SettingsPropertyBag bag(settings, u"kavHRLoan1"_s);
-        control.ReadProperties(bag);
-
-        if (parser.isSet(connection)) {
-            control.setOLEConnectionstring(parser.value(connection));
-        } else if (control.OLEConnectionstring() == u"0") {
-            const QString file = demoDatabasePath();
-            if (!QFileInfo::exists(file)) kav::data::CreateDemoDatabase(file);
-            control.setOLEConnectionstring(kav::data::EmbeddedConnectionString(file));
+        if (parser.isSet(resetSettings)) {
+            settings.remove(kPropertyGroup);
+            settings.sync();
+            std::printf("the stored properties in %s are forgotten\n",
+                        settings.fileName().toUtf8().constData());
+            return 0;
         }
-        if (parser.isSet(user))
-            control.setUserID(kav::vb::CInt(parser.value(user)));
-        else if (control.UserID() == 0)
+
+        auto module = std::make_shared<kav::Module>();
+        if (!onScreen())
+            module->SetMessageFactory([] { return std::make_unique<StderrMessages>(); });
+        kav::kavHRLoan1 control(module);
+        kav::SettingsPropertyBag bag(settings, kPropertyGroup);
+        // A stored value that cannot be read is reported only when no option replaces it.
+        std::optional<kav::KavError> unreadable;
+        QStringList unread;
+        if (!parser.isSet(demo)) {
+            try {
+                control.ReadProperties(bag);
+            } catch (const kav::KavError& e) {
+                unreadable = e;
+                unread = control.UnreadProperties();
+            }
+        }
+        const auto given = [&](const QString& property, const QCommandLineOption& option) {
+            if (parser.isSet(option)) unread.removeAll(property);
+            return parser.isSet(option);
+        };
+
+        if (parser.isSet(demo)) {
+            control.setOLEConnectionstring(demoConnection());
             control.setUserID(kav::data::DemoUserWithPermissions);
-        if (parser.isSet(position)) control.setPositionID(kav::vb::CInt(parser.value(position)));
-        if (parser.isSet(employee)) control.setEmployeeID(kav::vb::CInt(parser.value(employee)));
+        } else {
+            const QString demoDb = kav::data::EmbeddedConnectionString(demoDatabasePath());
+            if (given(u"OLEConnectionstring"_s, connection))
+                control.setOLEConnectionstring(parser.value(connection));
+            else if (control.OLEConnectionstring() == u"0" ||
+                     control.OLEConnectionstring() == demoDb)
+                control.setOLEConnectionstring(demoConnection());
+            const bool onDemo = control.OLEConnectionstring() == demoDb;
+            if (given(u"UserID"_s, user)) {
+                control.setUserID(int16Option(parser, user));
+            } else if (control.UserID() == 0 && !unread.contains(u"UserID"_s)) {
+                if (!onDemo)
+                    return fail(
+                        u"کاربر مشخص نشده است: روي پايگاه داده‌اي جز پايگاه داده نمايشي، شناسه "
+                        u"کاربر را با --user ID بدهيد (يا UserID ذخيره شده). کاربر نمايشي (1) "
+                        u"فقط روي پايگاه داده نمايشي به کار مي‌رود."_s);
+                control.setUserID(kav::data::DemoUserWithPermissions);
+            }
+        }
+        if (given(u"PositionID"_s, position)) control.setPositionID(int16Option(parser, position));
+        if (given(u"EmployeeID"_s, employee)) control.setEmployeeID(int16Option(parser, employee));
         if (parser.isSet(prsEmployee))
             control.setPRSEmployeeID(kav::vb::CLng(parser.value(prsEmployee)));
-        if (parser.isSet(caption)) control.setCaption(parser.value(caption));
+        if (given(u"Caption"_s, caption)) control.setCaption(parser.value(caption));
+        if (unreadable && !unread.isEmpty())
+            return fail(
+                unreadable->message() +
+                u"\nبا گزينه خط فرمان مقدار درست را بدهيد، يا kavhrloan --reset-settings "
+                u"ويژگي‌هاي ذخيره شده را پاک مي‌کند (%1)."_s.arg(
+                    settings.fileName()));
 
-        // The properties are kept once the module has opened with them.
+        // The properties are kept once the module has opened with them; a demo run keeps
+        // nothing, so it never replaces a real configuration.
+        const bool keep = !parser.isSet(demo);
         if (parser.isSet(bench)) {
             control.setWindowTitle(u"kavHRLoan1"_s);
             control.show();
             const int rc = app.exec();
-            control.WriteProperties(bag);
+            if (keep) control.WriteProperties(bag);
             return rc;
         }
         if (parser.isSet(view)) {
@@ -163,8 +272,16 @@ int main(int argc, char** argv) {
             control.View(id);
         } else {
             control.ClearShow();
+            if (control.RoleWasRefused()) {
+                // The refusal was shown; the terminal hears of it too (without a screen the
+                // message itself went there).
+                if (onScreen())
+                    printLine(stderr, kav::Module::RoleRefusalText() +
+                                          u" (UserID %1)"_s.arg(control.UserID()));
+                return ExitRoleRefused;
+            }
         }
-        control.WriteProperties(bag);
+        if (keep) control.WriteProperties(bag);
         return 0;
     } catch (const kav::KavError& e) {
         return fail(e.message());

@@ -107,6 +107,7 @@ public:
             columns_[t].hashes.assign(TableSize, 0);
             columns_[t].entries.resize(TableSize);
         }
+        columns_[SLoanValue].typed = columns_[SMonthlyValue].typed = columns_[SId].typed = true;
     }
     ~SqliteRows() { sqlite3_finalize(st_); }
     SqliteRows(const SqliteRows&) = delete;
@@ -121,8 +122,13 @@ public:
         if (rc != SQLITE_DONE) fail();
         return false;
     }
-    bool isNull(int s) { return read(s).type == SQLITE_NULL; }
+    bool isNull(int s) { return sqlite3_column_type(st_, index_[s]) == SQLITE_NULL; }
     const QString& text(int s) { return read(s).text; }
+    // The grouped amount, the empty text for Null.
+    const QString& amountOrEmpty(int s) {
+        static const QString none;
+        return read(s).type == SQLITE_NULL ? none : amount(s);
+    }
     const QString& amount(int s) {
         Entry& e = read(s);
         if (!e.amountMade) {
@@ -136,7 +142,7 @@ private:
     // A value's texts.
     struct Entry {
         int type = -1;
-        std::string bytes;  // the value as sqlite3 gives it as text
+        std::string bytes;  // the value: UTF-8 text, or a number's binary value
         QVariant value;     // the value, for the amount
         QString text;
         QString amount;
@@ -155,18 +161,19 @@ private:
         qint64 row = -1;
         Entry* current = &own;        // the current row's value
         Entry own;                    // the value, for a column without a table
+        bool typed = false;           // read with its type (the amounts, the id)
         std::vector<quint64> hashes;  // empty: no table
         std::vector<Entry> entries;
     };
 
     static quint64 hashOf(int type, const char* p, size_t n) {
-        quint64 h = 1469598103934665603ULL ^ quint64(type);  // FNV-1a
-        for (size_t k = 0; k < n; ++k)
-            h = (h ^ static_cast<unsigned char>(p[k])) * 1099511628211ULL;
+        const quint64 h = std::hash<std::string_view>()(std::string_view(p, n)) ^ quint64(type);
         return h | 1;  // 0 marks an empty slot
     }
 
-    void make(Entry& e, int i, int type, const char* p, size_t n) {
+    // A value's texts. Numbers come as their binary value (bytes holds it), so sqlite3 makes
+    // no text of them; texts as UTF-8.
+    void make(Entry& e, int type, const char* p, size_t n) {
         e.type = type;
         e.bytes.assign(p, n);
         e.amount = QString();
@@ -176,14 +183,20 @@ private:
                 e.value = QVariant();
                 e.text = QString();
                 break;
-            case SQLITE_INTEGER:
-                e.value = QVariant(qlonglong(sqlite3_column_int64(st_, i)));
-                e.text = QString::fromLatin1(p, qsizetype(n));
+            case SQLITE_INTEGER: {
+                qint64 v;
+                std::memcpy(&v, p, sizeof v);
+                e.value = QVariant(qlonglong(v));
+                e.text = QString::number(v);
                 break;
-            case SQLITE_FLOAT:
-                e.value = QVariant(sqlite3_column_double(st_, i));
-                e.text = vb::CStr(e.value.toDouble());
+            }
+            case SQLITE_FLOAT: {
+                double v;
+                std::memcpy(&v, p, sizeof v);
+                e.value = QVariant(v);
+                e.text = vb::CStr(v);
                 break;
+            }
             default:
                 e.text = QString::fromUtf8(p, qsizetype(n));
                 e.value = e.text;
@@ -196,25 +209,42 @@ private:
         if (c.row == row_) return *c.current;
         c.row = row_;
         const int i = index_[s];
-        const int type = sqlite3_column_type(st_, i);
+        // Only the amounts and the id are read with their type; every other column as text,
+        // Null when there is none.
+        int type = c.typed ? sqlite3_column_type(st_, i) : SQLITE_TEXT;
         const char* p = "";
         size_t n = 0;
-        if (type != SQLITE_NULL) {
-            if (const unsigned char* text = sqlite3_column_text(st_, i)) {
+        char number[8];
+        if (type == SQLITE_INTEGER) {
+            const qint64 v = sqlite3_column_int64(st_, i);
+            std::memcpy(number, &v, sizeof v);
+            p = number;
+            n = sizeof v;
+        } else if (type == SQLITE_FLOAT) {
+            const double v = sqlite3_column_double(st_, i);
+            std::memcpy(number, &v, sizeof v);
+            p = number;
+            n = sizeof v;
+        } else if (type != SQLITE_NULL) {
+            const unsigned char* text = sqlite3_column_text(st_, i);
+            if (text) {
                 p = reinterpret_cast<const char*>(text);
                 n = size_t(sqlite3_column_bytes(st_, i));
+            } else {
+                type = SQLITE_NULL;
             }
         }
         if (c.current->is(type, p, n)) return *c.current;  // as the row above
         if (c.hashes.empty()) {
-            make(c.own, i, type, p, n);
+            make(c.own, type, p, n);
+            c.current = &c.own;
             return c.own;
         }
         const quint64 h = hashOf(type, p, n);
         const size_t slot = size_t(h) & (TableSize - 1);
         Entry& e = c.entries[slot];
         if (c.hashes[slot] != h || !e.is(type, p, n)) {
-            make(e, i, type, p, n);
+            make(e, type, p, n);
             c.hashes[slot] = h;
         }
         c.current = &e;
@@ -252,6 +282,7 @@ public:
     }
     bool isNull(int s) { return read(s).isNull; }
     const QString& text(int s) { return read(s).text; }
+    const QString& amountOrEmpty(int s) { return read(s).isNull ? read(s).text : amount(s); }
     const QString& amount(int s) {
         Column& c = read(s);
         if (!c.amountMade) {
@@ -305,38 +336,48 @@ private:
     qint64 row_ = 0;
 };
 
-// Puts the rows under the grid's header. The grid grows in large steps and is cut to the
-// rows found at the end, so no row is added one by one.
+// Puts the rows under the grid's header. The rows the grid holds are written over, so a new
+// search reuses the last one's rows instead of freeing and making them again; the grid grows
+// in large steps and is cut to the rows found at the end, so no row is added one by one.
 template <class Rows>
 int fillRows(Rows& rows, FlexGrid& grid) {
     const QString temporary = T::StatusTemporary;
     const QString final = T::StatusFinal;
+    const int held = grid.Rows();  // rows from the last search, written over
     int r = 0;
+    bool fresh = false;  // the row is new, its cells empty
+    auto put = [&](int col, const QString& text) {
+        if (!fresh || !text.isEmpty()) grid.setTextMatrix(r, col, text);
+    };
     while (rows.next()) {
         ++r;
+        fresh = r >= held;
         if (r >= grid.Rows()) grid.setRows(qMax(1024, qMin(2 * grid.Rows(), grid.Rows() + 262144)));
-        grid.setTextMatrix(r, ColRowNumber, QString::number(r));
-        grid.setTextMatrix(r, ColEmployeeCode, rows.text(SEmployeeCode));
-        grid.setTextMatrix(r, 2, rows.text(SFirstName));
-        grid.setTextMatrix(r, 3, rows.text(SSureName));
-        grid.setTextMatrix(r, 4, rows.text(SLoanTypeDesc));
-        grid.setTextMatrix(r, 5, rows.text(SFarsiPaymentDate));
+        put(ColRowNumber, QString::number(r));
+        put(ColEmployeeCode, rows.text(SEmployeeCode));
+        put(2, rows.text(SFirstName));
+        put(3, rows.text(SSureName));
+        put(4, rows.text(SLoanTypeDesc));
+        put(5, rows.text(SFarsiPaymentDate));
         const QString& loanValue = rows.amount(SLoanValue);
-        grid.setTextMatrix(r, ColLoanValue, loanValue);
-        grid.setTextMatrix(r, 7, rows.text(SFarsiBeginDate));
-        grid.setTextMatrix(r, 8, rows.text(SFarsiEndDate));
-        grid.setTextMatrix(r, ColMonthlyValue,
-                           rows.isNull(SMonthlyValue) ? QString() : rows.amount(SMonthlyValue));
+        put(ColLoanValue, loanValue);
+        put(7, rows.text(SFarsiBeginDate));
+        put(8, rows.text(SFarsiEndDate));
+        // No instalment: an empty cell.
+        put(ColMonthlyValue, rows.amountOrEmpty(SMonthlyValue));
         // The balance columns show the loan amount itself; the search computes no balance.
-        grid.setTextMatrix(r, ColBalanceStart, loanValue);
-        grid.setTextMatrix(r, ColBalanceEnd, loanValue);
-        grid.setTextMatrix(r, ColStatus, rows.isNull(SLoanCode) ? temporary : final);
-        grid.setTextMatrix(r, 13, rows.text(SSupporter1));
-        grid.setTextMatrix(r, 14, rows.text(SSupporter2));
-        grid.setTextMatrix(r, 15, rows.text(SSupporter3));
-        grid.setTextMatrix(r, ColId, rows.text(SId));
+        put(ColBalanceStart, loanValue);
+        put(ColBalanceEnd, loanValue);
+        put(ColStatus, rows.isNull(SLoanCode) ? temporary : final);
+        put(13, rows.text(SSupporter1));
+        put(14, rows.text(SSupporter2));
+        put(15, rows.text(SSupporter3));
+        put(ColId, rows.text(SId));
     }
     grid.setRows(r + 1);
+    // The new result starts at its first row, as after emptying the grid.
+    grid.setRow(r > 0 ? 1 : 0);
+    if (r > 0) grid.setTopRow(1);
     return r;
 }
 
@@ -406,7 +447,6 @@ int FillSearchGrid(Connection& cnt, const QString& sql, FlexGrid& grid) {
         ~Redraw() { grid.setRedraw(was); }
     } redraw{grid, grid.Redraw()};
     grid.setRedraw(false);
-    grid.setRows(1);
     try {
         QSqlDatabase db = cnt.Database();
         if (sqlite3* handle = sqliteHandle(db)) {

@@ -289,24 +289,6 @@ TEST_F(SearchTest, KeysOfTheCriteria) {
     EXPECT_TRUE(f.IsUnloaded());
 }
 
-TEST_F(SearchTest, NewSearchClearsTheCriteriaButNotTheStatusOrTheResult) {
-    FormSearch& f = form();
-    f.cmdSearch->click();
-    f.chkFinalSave->setChecked(false);
-    f.cmbLoanType->setCurrentIndex(0);
-    f.txtLoanValueF->setText(u"5"_s);
-    f.txtNotes->setText(u"x"_s);
-    f.datEndDateTo->setFarsidate(u"1402/01/01"_s);
-    f.cmdNewSearch->click();
-    EXPECT_EQ(f.cmbLoanType->currentIndex(), -1);
-    EXPECT_TRUE(f.txtLoanValueF->text().isEmpty());
-    EXPECT_TRUE(f.txtNotes->text().isEmpty());
-    EXPECT_TRUE(f.datEndDateTo->IsEmpty());
-    EXPECT_FALSE(f.chkFinalSave->isChecked());
-    EXPECT_TRUE(f.chkTempSave->isChecked());
-    EXPECT_EQ(gridRows().size(), 5);
-}
-
 TEST_F(SearchTest, ExportsTheShownRowsInTheirOrderAsCsv) {
     FormSearch& f = form();
     QTemporaryDir dir;

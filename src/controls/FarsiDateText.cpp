@@ -53,8 +53,6 @@ QDate ParseStoredFarsiDate(const QString& text) {
     return cal.dateFromParts(f.year, f.month, qMin(f.day, last));
 }
 
-bool IsExactFarsiDate(const QString& text) { return ParseFarsiDate(text).isValid(); }
-
 QString FarsiDateText(const QDate& date) {
     if (!date.isValid()) return {};
     const QCalendar::YearMonthDay p = JalaliCalendar().partsFromDate(date);

@@ -27,9 +27,6 @@ QDate ParseFarsiDate(const QString& text);
 // and the month at most 12.
 QDate ParseStoredFarsiDate(const QString& text);
 
-// True when the text names a day exactly as written.
-bool IsExactFarsiDate(const QString& text);
-
 // The zero-padded text "yyyy/mm/dd" of a date; the empty text for an invalid date.
 QString FarsiDateText(const QDate& date);
 

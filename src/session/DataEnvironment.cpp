@@ -42,7 +42,6 @@ void Recordset::Open(const QString& sql) {
     const QSqlRecord rec = q.record();
     const int cols = rec.count();
     for (int c = 0; c < cols; ++c) {
-        names_ << rec.fieldName(c);
         // The first of two columns with one name wins, as a lookup by name finds it.
         index_.insert(rec.fieldName(c).toLower(), index_.value(rec.fieldName(c).toLower(), c));
     }
@@ -61,7 +60,6 @@ void Recordset::Open(const QString& sql) {
 void Recordset::Close() {
     open_ = false;
     pos_ = 0;
-    names_.clear();
     index_.clear();
     rows_.clear();
 }

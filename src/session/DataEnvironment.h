@@ -33,7 +33,6 @@ public:
 
     int RecordCount() const { return int(rows_.size()); }
     bool EOF_() const { return !open_ || pos_ >= rows_.size(); }
-    bool BOF() const { return !open_ || pos_ < 0 || rows_.isEmpty(); }
     void MoveFirst() { pos_ = 0; }
     void MoveNext() {
         if (pos_ < rows_.size()) ++pos_;
@@ -44,13 +43,11 @@ public:
     QVariant Fields(const QString& column) const;
     bool IsNull(const QString& column) const { return Fields(column).isNull(); }
     bool HasField(const QString& column) const;
-    QStringList FieldNames() const { return names_; }
 
 private:
     Connection* cnt_;
     bool open_ = false;
     qsizetype pos_ = 0;
-    QStringList names_;
     QHash<QString, int> index_;  // lower-case name -> column
     QVector<QVector<QVariant>> rows_;
 };

@@ -39,7 +39,6 @@ public:
 
     // Messages through the current factory.
     void SetMessageFactory(MessageFactory factory) { messages_ = std::move(factory); }
-    const MessageFactory& messageFactory() const { return messages_; }
     void ShowMessage(const QVariant& title, const QString& text) const;
     qint16 AskQuestion(const QVariant& title, const QString& text) const;
 
@@ -82,10 +81,6 @@ public:
         ports_[std::type_index(typeid(Port))] = [provider](Module& m) -> void* {
             return &provider(m);
         };
-    }
-    template <class Port>
-    bool HasPort() const {
-        return ports_.count(std::type_index(typeid(Port))) > 0;
     }
     // The window serving the port; KavError (Usage) when no window serves it.
     template <class Port>

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QClipboard>
+#include <QDialog>
 #include <QGuiApplication>
 #include <QLineEdit>
 #include <QPushButton>
@@ -182,4 +183,35 @@ TEST(VarekCurrency, SelectingOnGotFocusSurvivesTheClickThatBroughtTheFocus) {
     QTest::mouseClick(w.amount->lineEdit(), Qt::LeftButton, {},
                       w.amount->lineEdit()->rect().center());
     EXPECT_EQ(w.amount->SelLength(), 0);
+}
+
+// The box handles its keys and focus and then passes them on: the line edit still hears of
+// the focus leaving (its selection goes), and Enter and Escape reach the window (its default
+// button, its closing).
+TEST(VarekCurrency, KeysAndFocusGoOnToTheLineEditAndTheWindow) {
+    QDialog dialog;
+    auto* amount = new VarekCurrency;
+    auto* ok = new QPushButton(u"تاييد"_s);
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->addWidget(amount);
+    layout->addWidget(ok);
+    ok->setDefault(true);
+    int clicked = 0;
+    QObject::connect(ok, &QPushButton::clicked, [&] { ++clicked; });
+    QList<int> seen;
+    QObject::connect(amount, &VarekCurrency::KeyPress, [&](int& key) { seen << key; });
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    amount->SetFocus();
+    amount->setValue(u"1234567"_s);
+    amount->lineEdit()->selectAll();
+    QTest::keyClick(amount->lineEdit(), Qt::Key_Return);
+    EXPECT_EQ(clicked, 1);
+    ok->setFocus();
+    EXPECT_FALSE(amount->lineEdit()->hasSelectedText());
+    amount->SetFocus();
+    QTest::keyClick(amount->lineEdit(), Qt::Key_Escape);
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(dialog.result(), QDialog::Rejected);
+    EXPECT_EQ(seen, (QList<int>{13, 27}));
 }

@@ -238,3 +238,30 @@ TEST(VarekDate, AMessageBoxOpeningIsNotLeavingTheField) {
     w.other->setFocus();  // the clerk leaving does count
     EXPECT_EQ(lost, 1);
 }
+
+// After its own handling the box passes keys and focus on: Enter takes the typed date and
+// reaches the window's default button; leaving clears the line edit's selection.
+TEST(VarekDate, KeysAndFocusGoOnToTheLineEditAndTheWindow) {
+    QDialog dialog;
+    auto* date = new VarekDate;
+    auto* ok = new QPushButton(u"تاييد"_s);
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->addWidget(date);
+    layout->addWidget(ok);
+    ok->setDefault(true);
+    int clicked = 0;
+    QObject::connect(ok, &QPushButton::clicked, [&] { ++clicked; });
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    date->SetFocus();
+    for (const QChar c : u"1403/2/5"_s) {
+        QTest::sendKeyEvent(QTest::Press, date->lineEdit(), Qt::Key_unknown, c, Qt::NoModifier);
+        QTest::sendKeyEvent(QTest::Release, date->lineEdit(), Qt::Key_unknown, c, Qt::NoModifier);
+    }
+    QTest::keyClick(date->lineEdit(), Qt::Key_Return);
+    EXPECT_EQ(date->farsidate(), u"1403/02/05"_s);
+    EXPECT_EQ(clicked, 1);
+    date->lineEdit()->selectAll();
+    ok->setFocus();
+    EXPECT_FALSE(date->lineEdit()->hasSelectedText());
+}

@@ -5,7 +5,6 @@
 
 #include "DataTestSupport.h"
 #include "data/EmbeddedSchema.h"
-#include "data/Names.h"
 #include "data/Procedures.h"
 #include "support/TsqlCheck.h"
 
@@ -124,7 +123,7 @@ TEST(Views, EmployeeSelectorSourcesTakeTheBorrowerFilter) {
     ScratchDb s;
     seed(s);
     const QString filter = u" ID not in (Select x.ID from tblEmployee x Where x.WorkStatusID=3)"_s;
-    for (const QString& view : {names::vwEmployeeMajor, names::vwEmployeeMinor}) {
+    for (const QString& view : {u"vwEmployeeMajor"_s, u"vwEmployeeMinor"_s}) {
         const auto all = s.rows(u"select * from "_s + view);
         EXPECT_EQ(all.size(), 5);
         const auto rows = s.rows(u"select * from "_s + view + u" where"_s + filter);
@@ -152,12 +151,11 @@ TEST(Schema, HoldsEveryTableAndViewTheModuleNames) {
     QStringList objects;
     for (const auto& r : s.rows(u"select name from sqlite_master where type in ('table','view')"_s))
         objects << r[u"name"_s].toString();
-    for (const QString& n :
-         {names::tblHRLoan, names::tblHRLoanDetail, names::tblHRLoanType, names::tblHRLoanException,
-          names::tblHRMonthlyPaiedLoan, names::tblEmployee, names::tblHROrdinance,
-          names::tblVarekSystemParameters, names::tblVarekUserPermission, names::vwHRLoanData,
-          names::vwHRLoanEmployees, names::vwHRLoanException, names::vwEmployeeMajor,
-          names::vwEmployeeMinor})
+    for (const QString& n : {u"tblHRLoan"_s, u"tblHRLoanDetail"_s, u"tblHRLoanType"_s,
+                             u"tblHRLoanException"_s, u"tblHRMonthlyPaiedLoan"_s, u"tblEmployee"_s,
+                             u"tblHROrdinance"_s, u"tblVarekSystemParameters"_s,
+                             u"tblVarekUserPermission"_s, u"vwHRLoanData"_s, u"vwHRLoanEmployees"_s,
+                             u"vwHRLoanException"_s, u"vwEmployeeMajor"_s, u"vwEmployeeMinor"_s})
         EXPECT_TRUE(objects.contains(n)) << n.toStdString();
     // The keys are identities: the ID of a deleted last row is not handed out again.
     s.exec({u"insert into tblHRLoan (TypeID) values (1)"_s,

@@ -197,7 +197,7 @@ TEST(HostProperties, AStoredValueThatIsNoNumberIsRefusedByName) {
 
 TEST_F(HostTest, ClearShowModeFollowsPRSEmployee) {
     for (const auto& [prs, mode] :
-         std::vector<std::pair<qint32, qint32>>{{0, ModeEmpty}, {-4, ModeEmpty}, {17, ModeNew}}) {
+         std::vector<std::pair<qint32, qint32>>{{0, 3}, {-4, 3}, {17, 2}}) {
         host->setPRSEmployeeID(prs);
         host->ClearShow();
         EXPECT_EQ(modeWhenShown, mode) << prs;
@@ -242,7 +242,7 @@ TEST_F(HostTest, ViewNeedsNoRoleAndKeepsTheTitles) {
     host->View(id);
     EXPECT_EQ(id, FinalLoan);
     EXPECT_EQ(shown, 1);
-    EXPECT_EQ(modeWhenShown, ModeView);
+    EXPECT_EQ(modeWhenShown, 0);
     EXPECT_EQ(titleWhenShown, u"وام کارمندان (مشاهده)"_s);
     EXPECT_EQ(session().SessionTitle, u"قبلي"_s);
     EXPECT_EQ(session().SessionUserID, 2);
@@ -313,7 +313,7 @@ TEST_F(HostTest, SearchOpensAFoundLoanInTheEditor) {
     host->ClearShow();
     FormHRLoan& editor = t.module.Window<FormHRLoan>();
     editor.cmdSearch->click();
-    EXPECT_EQ(session().LoanFormMode, ModeView);
+    EXPECT_EQ(session().LoanFormMode, 0);
     EXPECT_EQ(editor.txtID->text(), u"2"_s);
     EXPECT_EQ(editor.txtCode->text(), u"7"_s);
     EXPECT_EQ(editor.windowTitle(), u"وام کارمندان (مشاهده)"_s);

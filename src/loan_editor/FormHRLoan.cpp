@@ -883,6 +883,7 @@ void FormHRLoan::applyTerms(const loan::TermsUpdate& update) {
         UseRemainedValueInFirstMonthL->setEnabled(*update.remainderOptionsEnabled);
         UseRemainedValueInFirstMonth->setEnabled(*update.remainderOptionsEnabled);
     }
+    if (update.error) std::rethrow_exception(update.error);
 }
 
 void FormHRLoan::selectAll(VarekCurrency* box) {

@@ -148,22 +148,23 @@ vb::Currency PerMonthGotFocus(const QString& perMonthValue) {
 
 TermsUpdate LoanValueLeft(const TermsFields& f, const QVariant& maxValue) {
     TermsUpdate u;
-    u.warning = CeilingWarning(f.loanValueText, maxValue);
-    countFromPerMonth(f, u);
-    if (isBlank(f.loanValueText)) u.loanValue = f.originalValueValue;
+    try {
+        u.warning = CeilingWarning(f.loanValueText, maxValue);
+        countFromPerMonth(f, u);
+        if (isBlank(f.loanValueText)) u.loanValue = f.originalValueValue;
+    } catch (...) {
+        u.error = std::current_exception();
+    }
     return u;
 }
 
-TermsUpdate PayBackNumberLeft(const TermsFields& f, vb::Currency payBackNumberAtFocus) {
-    TermsUpdate u;
-    if (PayBackNumberGotFocus(f.payBackNumber) == payBackNumberAtFocus) return u;
+namespace {
 
-    if (!f.payBackNumber.isEmpty() && !isBlank(f.beginDate))
-        u.endDate = EndDateFromCount(f.payBackNumber, CountWidth::Int16, f.beginDate);
-
+// Steps 2 and 3 of leaving the count: the instalment and remainder, then the options.
+void instalmentFromCount(const TermsFields& f, TermsUpdate& u) {
     const QString countText = LatinDigits(f.payBackNumber);
     const double count = vb::Val(countText);
-    if (isBlank(countText) || isBlank(f.loanValueText) || count == 0) return u;
+    if (isBlank(countText) || isBlank(f.loanValueText) || count == 0) return;
     const double amount = AmountValue(f.loanValueValue);
     // Rounded down to a whole unit; what that drops goes to the remainder.
     const QString perMonth = vb::CStr(finite(vb::Int(amount / count)));
@@ -182,6 +183,21 @@ TermsUpdate PayBackNumberLeft(const TermsFields& f, vb::Currency payBackNumberAt
             u"و مانده تقسيم مبلغ وام بر آن تعريف نشده است "
             u"(Division by zero)."_s.arg(f.payBackNumber.trimmed()));
     u.remainderOptionsEnabled = wholeAmount % wholeCount != 0;
+}
+
+}  // namespace
+
+TermsUpdate PayBackNumberLeft(const TermsFields& f, vb::Currency payBackNumberAtFocus) {
+    TermsUpdate u;
+    if (PayBackNumberGotFocus(f.payBackNumber) == payBackNumberAtFocus) return u;
+
+    if (!f.payBackNumber.isEmpty() && !isBlank(f.beginDate))
+        u.endDate = EndDateFromCount(f.payBackNumber, CountWidth::Int16, f.beginDate);
+    try {
+        instalmentFromCount(f, u);
+    } catch (...) {
+        u.error = std::current_exception();
+    }
     return u;
 }
 
@@ -189,9 +205,13 @@ TermsUpdate PerMonthLeft(const TermsFields& f, vb::Currency perMonthAtFocus) {
     TermsUpdate u;
     if (vb::CCur(AmountValue(f.perMonthText)) == perMonthAtFocus) return u;
     countFromPerMonth(f, u);
-    const QString count = u.payBackNumber.value_or(f.payBackNumber);
-    if (!count.isEmpty() && !isBlank(f.beginDate))
-        u.endDate = EndDateFromCount(count, CountWidth::Int32, f.beginDate);
+    try {
+        const QString count = u.payBackNumber.value_or(f.payBackNumber);
+        if (!count.isEmpty() && !isBlank(f.beginDate))
+            u.endDate = EndDateFromCount(count, CountWidth::Int32, f.beginDate);
+    } catch (...) {
+        u.error = std::current_exception();
+    }
     return u;
 }
 

@@ -8,12 +8,14 @@
 // value text; each computation reads the one named on its field. Amounts read as the leading
 // number of the text with the group separators removed (0 when there is none).
 //
-// Every function computes its whole result before the editor writes anything: when it raises
-// (a count that is not a number, an overflow, a count that rounds to 0 in the modulo), the
-// editor's handler boundary shows the error and the fields keep what they held.
+// The steps of a handler run in their order. When a step raises (a count that is not a
+// number, an overflow, a count that rounds to 0 in the modulo), what the steps before it
+// computed is still written and the error comes after it (TermsUpdate::error); the editor's
+// handler boundary shows it. An error in the first step writes nothing.
 
 #include <QString>
 #include <QVariant>
+#include <exception>
 #include <optional>
 
 #include "loan_editor/LoanDates.h"
@@ -43,10 +45,13 @@ struct TermsUpdate {
     // Enables (true) or disables (false) the first-month and last-month options and their
     // heading label. The separate-month option is never enabled or disabled here.
     std::optional<bool> remainderOptionsEnabled;
+    // An error raised by a later step: what the earlier steps computed is written first,
+    // then the editor raises it.
+    std::exception_ptr error;
 
     bool isEmpty() const {
         return !warning && !loanValue && !payBackNumber && !perMonth && !rem && !endDate &&
-               !remainderOptionsEnabled;
+               !remainderOptionsEnabled && !error;
     }
 };
 

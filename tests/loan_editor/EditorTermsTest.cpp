@@ -113,11 +113,13 @@ TEST_F(TermsTest, UnguardedArithmeticErrorsAreShownNotThrown) {
     w.datBeginDate->setFarsidate(u"1403/02/15"_s);
     w.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&w));
-    // A count that rounds to 0 in the modulo, and one beyond 16 bits: the clerk sees the
-    // error and the window keeps what it held.
-    for (const QString& count : {u"0.4"_s, u"40000"_s}) {
+    // A count beyond 16 bits fails the settlement date, the first step: nothing is written.
+    // A count that rounds to 0 fails only the modulo of the last step: the settlement date,
+    // the instalment and the remainder computed before it stay written.
+    for (const auto& [count, perMonth] : {std::pair{u"40000"_s, u"77"_s}, {u"0.4"_s, u"2500"_s}}) {
         t.messages->shown.clear();
         w.TxtPerMonth->setText(u"77"_s);
+        w.datEndDate->Clear();
         // Through the box's own focus changes, as the event loop delivers them.
         w.txtPayBackNumber->setFocus();
         QApplication::processEvents();
@@ -126,7 +128,8 @@ TEST_F(TermsTest, UnguardedArithmeticErrorsAreShownNotThrown) {
         QApplication::processEvents();
         ASSERT_GE(t.messages->shown.size(), 1) << count.toStdString();
         EXPECT_EQ(t.messages->shown.first().title, u"خطا"_s);
-        EXPECT_EQ(w.TxtPerMonth->Value(), u"77"_s);
+        EXPECT_EQ(w.TxtPerMonth->Value(), perMonth);
+        EXPECT_EQ(w.datEndDate->IsEmpty(), count == u"40000");
         EXPECT_EQ(session().LoanFormMode, ModeNew);
     }
 }

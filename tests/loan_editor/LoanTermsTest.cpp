@@ -82,19 +82,32 @@ TEST(LeavingCount, AnUnchangedNumberRecomputesNothing) {
     EXPECT_FALSE(PayBackNumberLeft(withCount(u"5000"_s, u"4"_s), atFocus).isEmpty());
 }
 
-TEST(LeavingCount, UnguardedInputRaisesInsteadOfFailing) {
-    // Reads as 0.4 but rounds to 0 in the modulo.
-    EXPECT_EQ(test::RaisedKind([] { leaveCount(withCount(u"1000"_s, u"0.4"_s)); }),
-              KavError::Kind::DivisionByZero);
-    // The settlement date rounds the count to 16 bits.
+TEST(LeavingCount, AnErrorComesAfterWhatTheStepsBeforeItComputed) {
+    auto kindOf = [](const TermsUpdate& u) {
+        return test::RaisedKind([&] {
+            if (u.error) std::rethrow_exception(u.error);
+        });
+    };
+    // Reads as 0.4 but rounds to 0 in the modulo, the last step: the settlement date, the
+    // instalment and the remainder are computed before it.
+    const TermsUpdate zero = leaveCount(withCount(u"1000"_s, u"0.4"_s, u"1403/01/10"_s));
+    EXPECT_EQ(kindOf(zero), KavError::Kind::DivisionByZero);
+    EXPECT_EQ(zero.endDate, u" 1402/ 12/ 29"_s);  // no instalment: Esfand before the first
+    EXPECT_EQ(zero.perMonth, u"2500"_s);
+    EXPECT_EQ(zero.rem, u"0"_s);
+    EXPECT_FALSE(zero.remainderOptionsEnabled);
+    // "12abc" reads as 12 but is no number for the modulo.
+    const TermsUpdate letters = leaveCount(withCount(u"1000"_s, u"12abc"_s));
+    EXPECT_EQ(kindOf(letters), KavError::Kind::TypeMismatch);
+    EXPECT_EQ(letters.perMonth, u"83"_s);
+    // The settlement date, the first step, rounds the count to 16 bits: nothing is computed.
     EXPECT_EQ(
         test::RaisedKind([] { leaveCount(withCount(u"1000"_s, u"40000"_s, u"1403/01/10"_s)); }),
         KavError::Kind::Overflow);
-    EXPECT_EQ(leaveCount(withCount(u"1000"_s, u"40000"_s)).perMonth, u"0"_s);
-    EXPECT_EQ(test::RaisedKind([] { leaveCount(withCount(u"1000"_s, u"12abc"_s)); }),
-              KavError::Kind::TypeMismatch);
     EXPECT_EQ(test::RaisedKind([] { leaveCount(withCount(u"1000"_s, u"3x"_s, u"1403/01/10"_s)); }),
               KavError::Kind::TypeMismatch);
+    // Without a first-instalment date there is no settlement date to overflow.
+    EXPECT_EQ(leaveCount(withCount(u"1000"_s, u"40000"_s)).perMonth, u"0"_s);
 }
 
 // The remainder options test any amount the currency holds: amount and count are rounded to

@@ -1,5 +1,7 @@
 #include "session/TextProcs.h"
 
+#include "base/Errors.h"
+
 using namespace Qt::StringLiterals;
 
 namespace kav {
@@ -64,7 +66,13 @@ QVariant CellNumber(const QString& text) {
     if (text == u"True") return QVariant::fromValue<qint16>(1);
     QString digits = text;
     digits.remove(u'/');
-    return QVariant(vb::Val(digits));
+    try {
+        return QVariant(vb::Val(digits));
+    } catch (const KavError&) {
+        // A number past the range of a double ("1e999") is ignored like every other error:
+        // the cell counts as 0.
+        return QVariant(0.0);
+    }
 }
 
 double AmountValue(const QString& text) {

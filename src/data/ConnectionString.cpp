@@ -3,7 +3,9 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QSettings>
+#include <algorithm>
 
 #include "base/Errors.h"
 
@@ -17,8 +19,17 @@ const QString kMsDriver18 = u"ODBC Driver 18 for SQL Server"_s;
 const QString kMsDriver17 = u"ODBC Driver 17 for SQL Server"_s;
 const QString kFreeTds = u"FreeTDS"_s;
 
+const QRegularExpression& passwordAttribute() {
+    // The key, the "=" and the value up to the next ";" (or the end of its quotes or braces).
+    static const QRegularExpression re(
+        uR"(\b(password|pwd)(\s*=\s*)('(?:[^']|'')*'?|"(?:[^"]|"")*"?|\{(?:[^}]|\}\})*\}?|[^;]*))"_s,
+        QRegularExpression::CaseInsensitiveOption);
+    return re;
+}
+
 [[noreturn]] void fail(const QString& message) {
-    throw KavError(KavError::Kind::Connection, message);
+    // A message quotes parts of the string; a password among them is not shown.
+    throw KavError(KavError::Kind::Connection, MaskPasswords(message));
 }
 
 struct Pair {
@@ -26,6 +37,15 @@ struct Pair {
     QString name;   // as written
     QString value;  // unquoted
 };
+
+// A key as a message may name it. A key is all that comes before "="; when a password was
+// written without it ("Password secret;"), only the first word is named.
+QString shownKey(const QString& name) {
+    static const QRegularExpression passwordKey(u"^(password|pwd)\\b"_s,
+                                                QRegularExpression::CaseInsensitiveOption);
+    if (!passwordKey.match(name).hasMatch()) return name;
+    return name.section(u' ', 0, 0) + u" ***"_s;
+}
 
 // Splits "key=value;key='va;lue';..." the way OLE DB does: keys are case-insensitive,
 // a value may be enclosed in single or double quotes (a doubled quote stands for one),
@@ -42,7 +62,7 @@ QList<Pair> parse(const QString& text) {
         const QString name = text.mid(keyStart, i - keyStart).simplified();
         const QString key = name.toLower();
         if (i >= n || text[i] != u'=')
-            fail(u"بخش «%1» از رشته اتصال به شکل «نام=مقدار» نيست."_s.arg(name));
+            fail(u"بخش «%1» از رشته اتصال به شکل «نام=مقدار» نيست."_s.arg(shownKey(name)));
         if (key.isEmpty()) fail(u"در رشته اتصال مقداري بدون نام آمده است."_s);
         ++i;  // '='
         while (i < n && text[i] == u' ') ++i;
@@ -67,12 +87,12 @@ QList<Pair> parse(const QString& text) {
             }
             if (!closed)
                 fail(u"مقدار «%1» در رشته اتصال بسته نشده است (علامت نقل قول پاياني ندارد)."_s.arg(
-                    name));
+                    shownKey(name)));
             while (i < n && text[i] != u';') {
                 if (!text[i].isSpace())
                     fail(
                         u"پس از مقدار نقل‌قول‌شده «%1» در رشته اتصال نويسه اضافي آمده است."_s
-                            .arg(name));
+                            .arg(shownKey(name)));
                 ++i;
             }
         } else {
@@ -321,6 +341,38 @@ ConnectionTarget MapConnectionString(const QString& oleDb, const QStringList& in
         u"فراهم‌کننده «%1» در رشته اتصال شناخته نيست؛ SQLOLEDB، SQLNCLI، MSOLEDBSQL، MSDASQL "
         u"يا "
         u"SQLite پذيرفته مي‌شود."_s.arg(provider));
+}
+
+QString MaskPasswords(const QString& text, const QString& connectionString) {
+    QString masked = text;
+    masked.replace(passwordAttribute(), u"\\1\\2***"_s);
+    if (connectionString.isEmpty()) return masked;
+    QStringList secrets;
+    try {
+        for (const Pair& p : parse(connectionString))
+            if ((p.key == u"password" || p.key == u"pwd") && p.value.size() >= 3)
+                secrets << p.value;
+    } catch (const KavError&) {
+        // A string that does not parse: its attribute values are masked as text below.
+    }
+    // A string that does not parse may still hold a password, with or without its "=".
+    static const QRegularExpression loosePassword(
+        uR"(\b(password|pwd)\b\s*=?\s*('(?:[^']|'')*'?|"(?:[^"]|"")*"?|\{(?:[^}]|\}\})*\}?|[^;]*))"_s,
+        QRegularExpression::CaseInsensitiveOption);
+    for (auto it = loosePassword.globalMatch(connectionString); it.hasNext();) {
+        QString value = it.next().captured(2).trimmed();
+        if (value.startsWith(u'\'') || value.startsWith(u'"') || value.startsWith(u'{')) {
+            const QChar close = value[0] == u'{' ? u'}' : value[0];
+            value.remove(0, 1);
+            if (value.endsWith(close)) value.chop(1);
+        }
+        if (value.size() >= 3) secrets << value;
+    }
+    // The longest first, so a password that holds another is masked whole.
+    std::sort(secrets.begin(), secrets.end(),
+              [](const QString& a, const QString& b) { return a.size() > b.size(); });
+    for (const QString& secret : secrets) masked.replace(secret, u"***"_s);
+    return masked;
 }
 
 ConnectionTarget MapConnectionString(const QString& oleDb) {

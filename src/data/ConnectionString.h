@@ -39,4 +39,10 @@ ConnectionTarget MapConnectionString(const QString& oleDb, const QStringList& in
 // The same with the drivers installed on this machine and the environment's override.
 ConnectionTarget MapConnectionString(const QString& oleDb);
 
+// A text fit to show or log: the value of every Password or PWD attribute written in it
+// ("Password=...", "PWD={...}", quoted or not) becomes "***", and so does every occurrence of
+// a password that `connectionString` holds (of three characters or more), wherever a driver
+// may have echoed it.
+QString MaskPasswords(const QString& text, const QString& connectionString = QString());
+
 }  // namespace kav::data

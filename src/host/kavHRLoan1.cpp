@@ -5,12 +5,15 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSqlDatabase>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <optional>
 
 #include "base/Errors.h"
 #include "controls/FlexGrid.h"
+#include "data/ConnectionString.h"
+#include "data/LoanDatabaseCheck.h"
 #include "host/ModuleAssembly.h"
 #include "host/PropertyBag.h"
 #include "loan_editor/FormHRLoan.h"
@@ -132,38 +135,61 @@ void kavHRLoan1::copyPropertiesToSession() {
     s.SessionConnectionString = connectionString_;
 }
 
-QVariant kavHRLoan1::ClearShow() {
-    roleRefused_ = false;
-    copyPropertiesToSession();
+// The database the session names is opened and must be the loan module's own before the
+// module reads or writes anything in it.
+void kavHRLoan1::openSessionDatabase() {
     module_->OpenSessionConnection();
-    Session& s = module_->session;
-    const QString title = caption_.trimmed().isEmpty() ? editor_texts::TitleEmpty : caption_;
-    s.SessionTitle = title;
-    s.SessionSearchTitle = title;
-    s.LoanFormMode = prsEmployeeID_ <= 0 ? ModeEmpty : ModeNew;
-    // The mode is applied before the role check; a refused user leaves the window loaded.
-    module_->Window<FormHRLoan>().DisableLockComponent();
-    if (!module_->HasPermission(PermissionOpenModule)) {
-        roleRefused_ = true;
-        module_->ShowRoleRefusal();
-        return {};
+    QSqlDatabase db = module_->DtEn().cnt().Database();
+    data::CheckLoanDatabase(db, db.driverName() == u"QSQLITE" ? db.databaseName() : QString());
+}
+
+// What the entry methods raise reaches the host, which shows it: a password of the
+// connection string that a driver echoed is not shown.
+template <class F>
+QVariant kavHRLoan1::passwordsMasked(F&& entry) {
+    try {
+        return entry();
+    } catch (const KavError& e) {
+        throw KavError(e.kind(), data::MaskPasswords(e.message(), connectionString_));
     }
-    treePosition->setVisible(true);
-    ShowShared<FormHRLoan>(*module_);
-    return {};
+}
+
+QVariant kavHRLoan1::ClearShow() {
+    return passwordsMasked([this]() -> QVariant {
+        roleRefused_ = false;
+        copyPropertiesToSession();
+        openSessionDatabase();
+        Session& s = module_->session;
+        const QString title = caption_.trimmed().isEmpty() ? editor_texts::TitleEmpty : caption_;
+        s.SessionTitle = title;
+        s.SessionSearchTitle = title;
+        s.LoanFormMode = prsEmployeeID_ <= 0 ? ModeEmpty : ModeNew;
+        // The mode is applied before the role check; a refused user leaves the window loaded.
+        module_->Window<FormHRLoan>().DisableLockComponent();
+        if (!module_->HasPermission(PermissionOpenModule)) {
+            roleRefused_ = true;
+            module_->ShowRoleRefusal();
+            return {};
+        }
+        treePosition->setVisible(true);
+        ShowShared<FormHRLoan>(*module_);
+        return {};
+    });
 }
 
 QVariant kavHRLoan1::View(qint32& loanId) {
-    // No role check, the titles as an earlier ClearShow left them, PRSEmployeeID ignored,
-    // and the loan loaded before the mode is applied.
-    copyPropertiesToSession();
-    module_->OpenSessionConnection();
-    FormHRLoan& editor = module_->Window<FormHRLoan>();
-    editor.FillLoan(loanId);
-    module_->session.LoanFormMode = ModeView;
-    editor.DisableLockComponent();
-    ShowShared<FormHRLoan>(*module_);
-    return {};
+    return passwordsMasked([&]() -> QVariant {
+        // No role check, the titles as an earlier ClearShow left them, PRSEmployeeID ignored,
+        // and the loan loaded before the mode is applied.
+        copyPropertiesToSession();
+        openSessionDatabase();
+        FormHRLoan& editor = module_->Window<FormHRLoan>();
+        editor.FillLoan(loanId);
+        module_->session.LoanFormMode = ModeView;
+        editor.DisableLockComponent();
+        ShowShared<FormHRLoan>(*module_);
+        return {};
+    });
 }
 
 QVariant kavHRLoan1::ViewTempDocs() { return {}; }

@@ -76,7 +76,9 @@ public:
     // Errors inside the window are shown there; what ClearShow itself raises reaches the
     // host as kav::KavError (base/Errors.h), with a Persian message ready to show:
     //   Connection  the connection string names no database that opens (the initial "0",
-    //               an unknown provider, a missing file, a server that does not answer);
+    //               an unknown provider, a missing file, a server that does not answer), or a
+    //               database that is not the loan module's (a file that is no database, a
+    //               database without the loan tables), which is left untouched;
     //   Database    the database refused a statement (the role check, the loan types);
     //   Busy        another client held the database past the wait.
     QVariant ClearShow();
@@ -136,6 +138,9 @@ private:
     void buildBench();
     void layoutBench();
     void copyPropertiesToSession();
+    void openSessionDatabase();
+    template <class F>
+    QVariant passwordsMasked(F&& entry);
     void loadPosition(const QString& key);
 
     std::shared_ptr<Module> module_;

@@ -5,6 +5,7 @@
 #include <QDialog>
 
 #include "base/Errors.h"
+#include "data/ConnectionString.h"
 #include "session/MessageDialogs.h"
 
 using namespace Qt::StringLiterals;
@@ -34,12 +35,14 @@ void Module::OpenSessionConnection() {
     DtEn();
 }
 
+// A driver's text inside a message never shows a password of the session's connection.
 void Module::ShowMessage(const QVariant& title, const QString& text) const {
-    kav::ShowMessage(messages_, title, text);
+    kav::ShowMessage(messages_, title, data::MaskPasswords(text, session.SessionConnectionString));
 }
 
 qint16 Module::AskQuestion(const QVariant& title, const QString& text) const {
-    return kav::AskQuestion(messages_, title, text);
+    return kav::AskQuestion(messages_, title,
+                            data::MaskPasswords(text, session.SessionConnectionString));
 }
 
 bool Module::HasPermission(qint32 permission) {

@@ -5,6 +5,11 @@
 // usage error (Qt's own); 2 the module could not start (no display, a database that does not
 // open, a stored property that cannot be read, no user for a database other than the demo, a
 // screenshot that cannot be written); 3 the user's role was refused.
+//
+// The settings file keeps the connection string, password and all, so only its owner may read
+// it (0600, narrowed when it was wider). A message printed or shown never holds a password.
+
+#include <sys/stat.h>
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -14,12 +19,14 @@
 #include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTimer>
 #include <cstdio>
 #include <memory>
 #include <optional>
 
 #include "Screenshots.h"
 #include "base/Errors.h"
+#include "data/ConnectionString.h"
 #include "data/DemoData.h"
 #include "host/PropertyBag.h"
 #include "host/kavHRLoan1.h"
@@ -37,8 +44,11 @@ constexpr int ExitRoleRefused = 3;
 // The group under which the control's properties are kept in the settings file.
 const QString kPropertyGroup = u"kavHRLoan1"_s;
 
+// One line on the terminal: a message's own line breaks become blanks.
 void printLine(FILE* stream, const QString& line) {
-    std::fprintf(stream, "kavhrloan: %s\n", line.toUtf8().constData());
+    QString text = line;
+    text.replace(u'\n', u' ');
+    std::fprintf(stream, "kavhrloan: %s\n", text.toUtf8().constData());
 }
 
 // True when there is a screen a person looks at (not the offscreen or minimal platform).
@@ -48,10 +58,29 @@ bool onScreen() {
 }
 
 // A start-up failure: on stderr, and in a message box when there is a screen to show it on.
-int fail(const QString& message) {
+int fail(const QString& text) {
+    const QString message = kav::data::MaskPasswords(text);
     printLine(stderr, message);
     if (onScreen()) kav::BuildMessageDialog(u"خطا"_s, message, 0)->exec();
     return ExitStartFailed;
+}
+
+// Only the owner may read or write the settings file.
+void keepPrivate(const QSettings& settings) {
+    const QString file = settings.fileName();
+    if (QFileInfo::exists(file))
+        QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+}
+
+// Writes the settings now. A file that exists is narrowed first, so the new contents never
+// stand in a file others may read (the rewrite keeps the file's rights); a new file is made
+// for its owner alone.
+void storeSettings(QSettings& settings) {
+    keepPrivate(settings);
+    const mode_t before = ::umask(077);
+    settings.sync();
+    ::umask(before);
+    keepPrivate(settings);
 }
 
 // Without a screen nobody could answer a message box: messages go to stderr, and a question
@@ -177,8 +206,12 @@ int main(int argc, char** argv) {
     const QCommandLineOption screenshots(
         u"screenshots"_s, u"Render every window and control to PNG files in DIR and exit."_s,
         u"DIR"_s);
+    const QCommandLineOption quitWhenShown(
+        u"quit-when-shown"_s,
+        u"Close the loan window as soon as it has been shown (for timing the start); the run "
+        "ends as if the clerk had closed it."_s);
     parser.addOptions({demo, connection, user, position, employee, prsEmployee, caption, view,
-                       bench, resetSettings, createDemo, screenshots});
+                       bench, resetSettings, createDemo, screenshots, quitWhenShown});
     parser.process(app);
 
     try {
@@ -196,7 +229,7 @@ int main(int argc, char** argv) {
         }
         if (parser.isSet(resetSettings)) {
             settings.remove(kPropertyGroup);
-            settings.sync();
+            storeSettings(settings);
             std::printf("the stored properties in %s are forgotten\n",
                         settings.fileName().toUtf8().constData());
             return 0;
@@ -205,6 +238,11 @@ int main(int argc, char** argv) {
         auto module = std::make_shared<kav::Module>();
         if (!onScreen())
             module->SetMessageFactory([] { return std::make_unique<StderrMessages>(); });
+        if (parser.isSet(quitWhenShown))
+            module->SetModalRunner([](QDialog& dialog) {
+                QTimer::singleShot(0, &dialog, [&dialog] { dialog.done(0); });
+                return dialog.exec();
+            });
         kav::kavHRLoan1 control(module);
         kav::SettingsPropertyBag bag(settings, kPropertyGroup);
         // A stored value that cannot be read is reported only when no option replaces it.
@@ -263,8 +301,12 @@ int main(int argc, char** argv) {
         if (parser.isSet(bench)) {
             control.setWindowTitle(u"kavHRLoan1"_s);
             control.show();
+            if (parser.isSet(quitWhenShown)) QTimer::singleShot(0, &app, &QApplication::quit);
             const int rc = app.exec();
-            if (keep) control.WriteProperties(bag);
+            if (keep) {
+                control.WriteProperties(bag);
+                storeSettings(settings);
+            }
             return rc;
         }
         if (parser.isSet(view)) {
@@ -281,7 +323,10 @@ int main(int argc, char** argv) {
                 return ExitRoleRefused;
             }
         }
-        if (keep) control.WriteProperties(bag);
+        if (keep) {
+            control.WriteProperties(bag);
+            storeSettings(settings);
+        }
         return 0;
     } catch (const kav::KavError& e) {
         return fail(e.message());

@@ -426,22 +426,30 @@ void FormHRException::FillPRSBalance(qint32 employeeId) {
     const QString name =
         rs.HasField(u"EmployeeName"_s) ? fieldText(rs.Fields(u"EmployeeName"_s)) : QString();
     memberCaption_ = code.isEmpty() ? name : code + u" - "_s + name;
+    rs.Close();
 
+    // The adjustments and payslips are read once each, row by row, their columns found once.
     QVector<schedule::Adjustment> adjustments;
-    rs.Open(adjustment_sql::MemberAdjustments(loanId, employeeId));
-    for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
-        const std::optional<Currency> debit = schedule::AmountOf(rs.Fields(u"MonthlyDebit"_s));
-        adjustments.append({rs.Fields(u"ID"_s).toInt(), fieldText(rs.Fields(u"FarsiBeginDate"_s)),
-                            fieldText(rs.Fields(u"FarsiEndDate"_s)),
-                            debit.value_or(Currency::fromRaw(-Currency::Scale))});
+    {
+        RowReader rows(module_.DtEn().cnt(), adjustment_sql::MemberAdjustments(loanId, employeeId));
+        const int id = rows.FieldIndex(u"ID"_s), begin = rows.FieldIndex(u"FarsiBeginDate"_s),
+                  end = rows.FieldIndex(u"FarsiEndDate"_s),
+                  monthlyDebit = rows.FieldIndex(u"MonthlyDebit"_s);
+        while (rows.Next()) {
+            const std::optional<Currency> debit = schedule::AmountOf(rows.Fields(monthlyDebit));
+            adjustments.append({rows.Fields(id).toInt(), fieldText(rows.Fields(begin)),
+                                fieldText(rows.Fields(end)),
+                                debit.value_or(Currency::fromRaw(-Currency::Scale))});
+        }
     }
     QVector<schedule::Payslip> payslips;
-    rs.Open(adjustment_sql::MemberPayslips(loanId, employeeId));
-    payslips.reserve(rs.RecordCount());
-    for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext())
-        payslips.append({fieldText(rs.Fields(u"PayMonth"_s)),
-                         schedule::AmountOf(rs.Fields(u"PaidValue"_s)).value_or(Currency())});
-    rs.Close();
+    {
+        RowReader rows(module_.DtEn().cnt(), adjustment_sql::MemberPayslips(loanId, employeeId));
+        const int month = rows.FieldIndex(u"PayMonth"_s), paid = rows.FieldIndex(u"PaidValue"_s);
+        while (rows.Next())
+            payslips.append({fieldText(rows.Fields(month)),
+                             schedule::AmountOf(rows.Fields(paid)).value_or(Currency())});
+    }
 
     schedule_ = schedule::Compute(*terms_, adjustments, payslips);
     showBalanceProblem(schedule_.problem);

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <charconv>
 
 #include "adjustments/AdjustmentSql.h"
 #include "adjustments/AdjustmentTexts.h"
@@ -32,13 +33,6 @@ template <class W>
 W* named(W* w, const QString& name) {
     w->setObjectName(name);
     return w;
-}
-
-QString fieldText(const QVariant& v) {
-    if (v.isNull()) return QString();
-    if (v.typeId() == QMetaType::Double || v.typeId() == QMetaType::Float)
-        return vb::CStr(v.toDouble());
-    return v.toString();
 }
 
 }  // namespace
@@ -121,22 +115,36 @@ void FormList::FillFlex() {
         datEndDate->IsEmpty() ? QString() : datEndDate->farsidate());
     Recordset& rs = module_.DtEn().rs();
     if (rs.IsOpen()) rs.Close();
-    rs.Open(sql);
-    if (rs.RecordCount() == 0) return;
-    FlexEmployee->setRedraw(false);
-    int row = FlexEmployee->Rows();
-    FlexEmployee->setRows(row + rs.RecordCount());
-    for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext(), ++row) {
-        FlexEmployee->setTextMatrix(row, 0, QString::number(row));
-        FlexEmployee->setTextMatrix(row, 1, fieldText(rs.Fields(u"EmployeeName"_s)));
-        FlexEmployee->setTextMatrix(row, 2, fieldText(rs.Fields(u"FarsiBeginDate"_s)));
-        FlexEmployee->setTextMatrix(row, 3, fieldText(rs.Fields(u"FarsiEndDate"_s)));
-        FlexEmployee->setTextMatrix(row, 4, fieldText(rs.Fields(u"MonthlyDebit"_s)));
-        FlexEmployee->setTextMatrix(row, 5, fieldText(rs.Fields(u"ID"_s)));
-        FlexEmployee->setTextMatrix(row, 6, fieldText(rs.Fields(u"LoanID"_s)));
+    // Each row is read once, its columns found once, and its cells go into the grid as the
+    // database gives them; the grid grows in large steps and is cut to the rows found.
+    RowReader rows(module_.DtEn().cnt(), sql);
+    int columns[6];
+    const QString names[6] = {u"EmployeeName"_s, u"FarsiBeginDate"_s,
+                              u"FarsiEndDate"_s, u"MonthlyDebit"_s,
+                              u"ID"_s,           u"LoanID"_s};
+    for (int c = 0; c < 6; ++c) columns[c] = rows.FieldIndex(names[c]);
+    FlexGrid& grid = *FlexEmployee;
+    const bool redraw = grid.Redraw();
+    grid.setRedraw(false);
+    const int first = grid.Rows();
+    int row = first;
+    try {
+        while (rows.Next()) {
+            if (row >= grid.Rows()) grid.setRows(row + qMax(1024, row - first));
+            char number[16];
+            grid.setTextMatrixUtf8(
+                row, 0,
+                QByteArrayView(number, std::to_chars(number, number + sizeof number, row).ptr));
+            for (int c = 0; c < 6; ++c) grid.setTextMatrixUtf8(row, c + 1, rows.Text(columns[c]));
+            ++row;
+        }
+    } catch (...) {
+        grid.setRows(row);
+        grid.setRedraw(redraw);
+        throw;
     }
-    rs.Close();
-    FlexEmployee->setRedraw(true);
+    grid.setRows(row);
+    grid.setRedraw(true);
 }
 
 int FormList::SortDirection(int column) const {

@@ -1,6 +1,7 @@
 #include "controls/FlexGrid.h"
 
 #include <QAbstractTableModel>
+#include <QAnyStringView>
 #include <QCollator>
 #include <QFontMetrics>
 #include <QGuiApplication>
@@ -8,15 +9,18 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QStringEncoder>
 #include <QTableView>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <cstring>
+#include <memory>
 #include <vector>
 
 #include "base/Errors.h"
-#include "session/WindowSupport.h"
 #include "session/Ui.h"
 #include "session/Vb.h"
+#include "session/WindowSupport.h"
 
 using namespace Qt::StringLiterals;
 
@@ -76,11 +80,87 @@ void mergeSort(std::vector<int>& items, Cmp cmp) {
 
 }  // namespace
 
+// The grid's texts, kept compactly: UTF-8 bytes packed one after another in large blocks,
+// and for each cell where its text lies. Filling a grid costs no allocation per cell; a
+// text is made a QString only when it is read or painted.
+struct TextRef {
+    quint32 offset = 0;  // block << BlockBits | position; for a long text, its index in long_
+    quint32 size = 0;    // bytes; LongText set for a text kept on its own
+};
+
+class TextStore {
+public:
+    static constexpr int BlockBits = 20;  // 1 MiB blocks
+    static constexpr quint32 BlockSize = 1u << BlockBits;
+    static constexpr quint32 LongText = 0x80000000u;
+    static constexpr qsizetype LongFrom = 4096;  // bytes; longer texts stand alone
+
+    QByteArrayView bytes(TextRef ref) const {
+        if (ref.size == 0) return {};
+        if (ref.size & LongText) return long_[ref.offset];
+        return {blocks_[ref.offset >> BlockBits].get() + (ref.offset & (BlockSize - 1)),
+                qsizetype(ref.size)};
+    }
+
+    TextRef add(QByteArrayView utf8) {
+        if (utf8.isEmpty()) return {};
+        if (utf8.size() >= LongFrom) return addLong(utf8.toByteArray());
+        char* out = room(utf8.size());
+        std::memcpy(out, utf8.data(), size_t(utf8.size()));
+        return commit(utf8.size());
+    }
+
+    TextRef add(QStringView text) {
+        if (text.isEmpty()) return {};
+        const qsizetype most = encoder_.requiredSpace(text.size());
+        if (most >= LongFrom) return addLong(text.toUtf8());
+        char* out = room(most);
+        return commit(encoder_.appendToBuffer(out, text) - out);
+    }
+
+    // Bytes held, long texts included.
+    qsizetype used() const { return used_; }
+
+    void clear() {
+        blocks_.clear();
+        long_.clear();
+        pos_ = BlockSize;
+        used_ = 0;
+    }
+
+private:
+    // Room for n bytes (n < LongFrom) at the end of the last block.
+    char* room(qsizetype n) {
+        if (pos_ + quint32(n) > BlockSize) {
+            blocks_.push_back(std::make_unique<char[]>(BlockSize));
+            pos_ = 0;
+        }
+        return blocks_.back().get() + pos_;
+    }
+    TextRef commit(qsizetype n) {
+        const TextRef ref{quint32((blocks_.size() - 1) << BlockBits) | pos_, quint32(n)};
+        pos_ += quint32(n);
+        used_ += n;
+        return n == 0 ? TextRef{} : ref;
+    }
+    TextRef addLong(QByteArray bytes) {
+        used_ += bytes.size();
+        long_.push_back(std::move(bytes));
+        return {quint32(long_.size() - 1), quint32(long_.back().size()) | LongText};
+    }
+
+    std::vector<std::unique_ptr<char[]>> blocks_;
+    std::vector<QByteArray> long_;
+    quint32 pos_ = BlockSize;  // the first free byte of the last block
+    qsizetype used_ = 0;
+    QStringEncoder encoder_{QStringEncoder::Utf8, QStringEncoder::Flag::Stateless};
+};
+
 // The grid's cells: row 0 is the header, rows 1.. are the view's rows 0.. .
 class FlexGridModel : public QAbstractTableModel {
 public:
     explicit FlexGridModel(QObject* parent) : QAbstractTableModel(parent) {
-        rows_.append(QVector<QString>(cols_));
+        cells_.resize(size_t(cols_));
         align_.fill(FlexGrid::flexAlignGeneral, cols_);
         headerAlign_.fill(Qt::AlignLeft | Qt::AlignVCenter, cols_);
     }
@@ -97,12 +177,14 @@ public:
 
     QVariant data(const QModelIndex& index, int role) const override {
         if (!index.isValid()) return {};
-        const QString& text = rows_[index.row() + 1][index.column()];
-        if (role == Qt::DisplayRole || role == Qt::ToolTipRole) return text;
+        if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
+            return text(index.row() + 1, index.column());
         if (role == Qt::TextAlignmentRole) {
             const int code = align_[index.column()];
             if (code == FlexGrid::flexAlignGeneral)
-                return QVariant::fromValue((vb::IsNumeric(text) ? Qt::AlignRight : Qt::AlignLeft) |
+                return QVariant::fromValue((vb::IsNumeric(text(index.row() + 1, index.column()))
+                                                ? Qt::AlignRight
+                                                : Qt::AlignLeft) |
                                            Qt::AlignVCenter);
             return QVariant::fromValue(alignmentOf(code));
         }
@@ -111,7 +193,7 @@ public:
 
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
         if (orientation != Qt::Horizontal || section < 0 || section >= cols_) return {};
-        if (role == Qt::DisplayRole) return rows_[0][section];
+        if (role == Qt::DisplayRole) return text(0, section);
         if (role == Qt::TextAlignmentRole) return QVariant::fromValue(headerAlign_[section]);
         return {};
     }
@@ -120,12 +202,13 @@ public:
         return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::NoItemFlags;
     }
 
-    int rows() const { return int(rows_.size()); }
+    int rows() const { return rows_; }
     int cols() const { return cols_; }
-    const QString& text(int row, int col) const { return rows_[row][col]; }
+    QString text(int row, int col) const { return QString::fromUtf8(bytes(row, col)); }
 
-    void setText(int row, int col, const QString& text) {
-        rows_[row][col] = text;
+    template <class Text>
+    void setText(int row, int col, Text text) {
+        store(row, col, text);
         if (row == 0)
             emit headerDataChanged(Qt::Horizontal, col, col);
         else
@@ -133,27 +216,30 @@ public:
     }
 
     void setRows(int rows) {
-        const int old = int(rows_.size());
+        const int old = rows_;
         if (rows == old) return;
         if (rows > old) {
-            rows_.reserve(rows);
-            const QVector<QString> empty(cols_);
-            for (int r = old; r < rows; ++r) rows_.append(empty);
+            cells_.resize(size_t(rows) * size_t(cols_));
+            rows_ = rows;
             schedule();
         } else {
             flush();
             beginRemoveRows({}, rows - 1, old - 2);
-            rows_.resize(rows);
+            for (size_t i = size_t(rows) * size_t(cols_); i < cells_.size(); ++i)
+                garbage_ += cells_[i].size & ~TextStore::LongText;
+            cells_.resize(size_t(rows) * size_t(cols_));
+            rows_ = rows;
             shown_ = rows - 1;
             endRemoveRows();
-            if (rows_.capacity() > 2 * rows_.size() + 64) rows_.squeeze();
+            if (cells_.capacity() > 2 * cells_.size() + 1024) cells_.shrink_to_fit();
+            compactIfWasteful();
         }
     }
 
     void appendRow(const QStringList& cells) {
-        QVector<QString> row(cols_);
-        for (int c = 0; c < cols_ && c < cells.size(); ++c) row[c] = cells[c];
-        rows_.append(std::move(row));
+        setRowsQuietly(rows_ + 1);
+        for (int c = 0; c < cols_ && c < cells.size(); ++c)
+            store(rows_ - 1, c, QStringView(cells[c]));
         schedule();
     }
 
@@ -165,20 +251,24 @@ public:
             beginInsertColumns({}, old, cols - 1);
         else
             beginRemoveColumns({}, cols, old - 1);
+        std::vector<TextRef> cells(size_t(rows_) * size_t(cols));
+        for (int r = 0; r < rows_; ++r)
+            for (int c = 0; c < qMin(cols, old); ++c) cells[at(r, c, cols)] = cells_[at(r, c, old)];
+        cells_ = std::move(cells);
         cols_ = cols;
-        for (auto& row : rows_) row.resize(cols);
         align_.resize(cols, FlexGrid::flexAlignGeneral);
         headerAlign_.resize(cols, Qt::AlignLeft | Qt::AlignVCenter);
         if (cols > old)
             endInsertColumns();
         else
             endRemoveColumns();
+        if (cols < old) compact();  // the dropped columns' texts go
     }
 
     int alignment(int col) const { return align_[col]; }
     void setAlignment(int col, int code) {
         align_[col] = code;
-        if (rows_.size() > 1) markDirty(0, col, int(rows_.size()) - 2, col);
+        if (rows_ > 1) markDirty(0, col, rows_ - 2, col);
     }
     void setHeaderAlignment(int col, Qt::Alignment a) {
         headerAlign_[col] = a;
@@ -186,15 +276,16 @@ public:
     }
 
     void clearTexts() {
-        for (auto& row : rows_)
-            for (QString& cell : row) cell.clear();
+        std::fill(cells_.begin(), cells_.end(), TextRef{});
+        texts_.clear();
+        garbage_ = 0;
         emit headerDataChanged(Qt::Horizontal, 0, cols_ - 1);
-        if (rows_.size() > 1) markDirty(0, 0, int(rows_.size()) - 2, cols_ - 1);
+        if (rows_ > 1) markDirty(0, 0, rows_ - 2, cols_ - 1);
     }
 
     void sortRows(int col, int code) {
         flush();
-        const int n = int(rows_.size()) - 1;
+        const int n = rows_ - 1;
         if (n < 2 || code < 1 || code > 8) return;
         const bool descending = code % 2 == 0;
         std::vector<int> order(n);
@@ -207,7 +298,7 @@ public:
 
         if (code == 3 || code == 4) {
             std::vector<double> key(n + 1);
-            for (int r = 1; r <= n; ++r) key[r] = vb::Val(rows_[r][col]);
+            for (int r = 1; r <= n; ++r) key[r] = vb::Val(text(r, col));
             mergeSort(order, [&](int a, int b) { return sign(cmpNumbers(key[a], key[b])); });
         } else {
             std::vector<QCollatorSortKey> key;
@@ -216,7 +307,7 @@ public:
             std::vector<char> isNumber(n + 1, 0);
             std::vector<double> number(n + 1, 0.0);
             for (int r = 1; r <= n; ++r) {
-                const QString& t = rows_[r][col];
+                const QString t = text(r, col);
                 key.push_back(collator.sortKey(t));
                 if (code <= 2 && vb::IsNumeric(t)) {
                     isNumber[r] = 1;
@@ -230,11 +321,12 @@ public:
         }
 
         emit layoutAboutToBeChanged();
-        QVector<QVector<QString>> sorted;
-        sorted.reserve(rows_.size());
-        sorted.append(std::move(rows_[0]));
-        for (int r : order) sorted.append(std::move(rows_[r]));
-        rows_ = std::move(sorted);
+        std::vector<TextRef> sorted(cells_.size());
+        std::copy_n(cells_.begin(), cols_, sorted.begin());
+        for (int i = 0; i < n; ++i)
+            std::copy_n(cells_.begin() + qsizetype(at(order[i], 0, cols_)), cols_,
+                        sorted.begin() + qsizetype(at(i + 1, 0, cols_)));
+        cells_ = std::move(sorted);
         emit layoutChanged();
     }
 
@@ -264,7 +356,7 @@ public:
     // Tells the views of every change so far.
     void flush() {
         scheduled_ = false;
-        const int stored = int(rows_.size()) - 1;
+        const int stored = rows_ - 1;
         if (stored > shown_) {
             beginInsertRows({}, shown_, stored - 1);
             shown_ = stored;
@@ -279,7 +371,80 @@ public:
     }
 
 private:
-    QVector<QVector<QString>> rows_;
+    static size_t at(int row, int col, int cols) {
+        return size_t(row) * size_t(cols) + size_t(col);
+    }
+    QByteArrayView bytes(int row, int col) const {
+        return texts_.bytes(cells_[at(row, col, cols_)]);
+    }
+
+    void setRowsQuietly(int rows) {
+        cells_.resize(size_t(rows) * size_t(cols_));
+        rows_ = rows;
+    }
+
+    // A cell's new text. A text equal to the cell's own, to the cell above or to the cell on
+    // its left is not stored again but shared (a loan's columns repeat for each member).
+    template <class Text>
+    void store(int row, int col, Text text) {
+        TextRef& cell = cells_[at(row, col, cols_)];
+        TextRef ref;
+        if (!text.isEmpty()) {
+            if (equals(cell, text)) return;
+            if (row > 1 && equals(cells_[at(row - 1, col, cols_)], text))
+                ref = cells_[at(row - 1, col, cols_)];
+            else if (col > 0 && equals(cells_[at(row, col - 1, cols_)], text))
+                ref = cells_[at(row, col - 1, cols_)];
+            else
+                ref = texts_.add(text);
+        }
+        garbage_ += cell.size & ~TextStore::LongText;
+        cell = ref;
+        compactIfWasteful();
+    }
+
+    bool equals(TextRef ref, QByteArrayView utf8) const {
+        return ref.size != 0 && texts_.bytes(ref) == utf8;
+    }
+    bool equals(TextRef ref, QStringView text) const {
+        if (ref.size == 0) return false;
+        const QByteArrayView b = texts_.bytes(ref);
+        // A UTF-16 unit takes one to three bytes.
+        if (b.size() < text.size() || b.size() > 3 * text.size()) return false;
+        return QAnyStringView::equal(QUtf8StringView(b.data(), b.size()), text);
+    }
+
+    // Once most of the stored bytes belong to texts written over, the live ones are copied
+    // into a fresh store (shared texts stay shared).
+    void compactIfWasteful() {
+        if (garbage_ > (qsizetype(1) << 20) && 2 * garbage_ > texts_.used()) compact();
+    }
+    void compact() {
+        TextStore fresh;
+        std::vector<TextRef> moved(cells_.size());
+        for (int r = 0; r < rows_; ++r) {
+            for (int c = 0; c < cols_; ++c) {
+                const size_t i = at(r, c, cols_);
+                const TextRef old = cells_[i];
+                if (old.size == 0) continue;
+                if (r > 1 && sameRef(cells_[at(r - 1, c, cols_)], old))
+                    moved[i] = moved[at(r - 1, c, cols_)];
+                else if (c > 0 && sameRef(cells_[i - 1], old))
+                    moved[i] = moved[i - 1];
+                else
+                    moved[i] = fresh.add(texts_.bytes(old));
+            }
+        }
+        cells_ = std::move(moved);
+        texts_ = std::move(fresh);
+        garbage_ = 0;
+    }
+    static bool sameRef(TextRef a, TextRef b) { return a.offset == b.offset && a.size == b.size; }
+
+    std::vector<TextRef> cells_;  // rows_ x cols_, row after row
+    TextStore texts_;
+    qsizetype garbage_ = 0;  // bytes of texts written over (an estimate: shared ones count)
+    int rows_ = 1;
     int cols_ = 2;
     QVector<int> align_;
     QVector<Qt::Alignment> headerAlign_;
@@ -380,7 +545,13 @@ QString FlexGrid::TextMatrix(int row, int col) const {
 void FlexGrid::setTextMatrix(int row, int col, const QString& text) {
     checkRow(row);
     checkCol(col);
-    model_->setText(row, col, text);
+    model_->setText(row, col, QStringView(text));
+}
+
+void FlexGrid::setTextMatrixUtf8(int row, int col, QByteArrayView utf8) {
+    checkRow(row);
+    checkCol(col);
+    model_->setText(row, col, utf8);
 }
 
 void FlexGrid::setFormatString(const QString& format) {
@@ -403,7 +574,7 @@ void FlexGrid::setFormatString(const QString& format) {
         }
         model_->setHeaderAlignment(
             c, code >= 0 ? alignmentOf(code) : (Qt::AlignLeft | Qt::AlignVCenter));
-        model_->setText(0, c, text);
+        model_->setText(0, c, QStringView(text));
         const int px = fm.horizontalAdvance(text) + 16;
         colTwips_[c] = twips(px);
         view_->setColumnHidden(c, false);

@@ -5,9 +5,15 @@
 // the view's rows 0.. . Rows() counts the header row, so a grid with setRows(1) has only the
 // header. Cells hold texts. Right to left.
 //
+// The texts are kept as UTF-8 packed in large blocks, a cell being where its text lies, and a
+// text equal to the cell above or on the left is shared, so a grid of 100,000 rows of 17
+// columns holds a few tens of megabytes and fills without an allocation per cell. Fill a large
+// grid by setting Rows first and then the cells.
+//
 // A cell, row or column outside the grid raises KavError (Usage): a subscript error, which
 // the window's handler reports like any other error.
 
+#include <QByteArrayView>
 #include <QString>
 #include <QVector>
 #include <QWidget>
@@ -61,6 +67,9 @@ public:
 
     QString TextMatrix(int row, int col) const;
     void setTextMatrix(int row, int col, const QString& text);
+    // The same from UTF-8 bytes, as a database hands a text over: nothing is decoded until
+    // the cell is read or painted.
+    void setTextMatrixUtf8(int row, int col, QByteArrayView utf8);
 
     // "|" between columns; a leading "<", "^" or ">" aligns the column (header and cells)
     // left, centre or right. Sets Cols to the number of entries and row 0 to their texts

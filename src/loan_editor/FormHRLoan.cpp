@@ -415,17 +415,30 @@ void FormHRLoan::InitialFlexEmployee() {
 void FormHRLoan::FillLoanDetail(qint32 loanId) {
     // Showing, reloading and removing all show exactly what the database holds.
     FlexEmployee->setRows(1);
-    Recordset rs = module_.DtEn().NewRecordset();
-    rs.Open(loan_sql::MemberGrid(module_.DtEn().Dialect(), loanId));
     FlexEmployee->setRedraw(false);
-    for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
-        FlexEmployee->AddItem();
-        const int r = FlexEmployee->Rows() - 1;
-        const QStringList cells = members::LoadedRow(rs, r);
-        for (int c = 0; c < cells.size(); ++c) FlexEmployee->setTextMatrix(r, c, cells[c]);
+    struct Redraw {
+        FlexGrid* grid;
+        ~Redraw() { grid->setRedraw(true); }
+    } redraw{FlexEmployee};
+    // Each row is read once and its cells go into the grid as the database gives them.
+    RowReader rs(module_.DtEn().cnt(), loan_sql::MemberGrid(module_.DtEn().Dialect(), loanId));
+    members::LoadedRows rows(rs);
+    int filled = 0;
+    try {
+        while (rs.Next()) {
+            const int r = filled + 1;
+            if (r >= FlexEmployee->Rows())
+                FlexEmployee->setRows(qMax(64, 2 * FlexEmployee->Rows()));
+            const auto& cells = rows.Cells(rs, r);
+            for (int c = 0; c < members::GridColumns; ++c)
+                FlexEmployee->setTextMatrixUtf8(r, c, cells[size_t(c)]);
+            filled = r;
+        }
+    } catch (...) {
+        FlexEmployee->setRows(filled + 1);  // the rows read so far, as before the failure
+        throw;
     }
-    FlexEmployee->setRedraw(true);
-    rs.Close();
+    FlexEmployee->setRows(filled + 1);
 }
 
 // ---- Members ----

@@ -1,5 +1,7 @@
 #include "loan_editor/LoanMembers.h"
 
+#include <charconv>
+
 #include "base/Errors.h"
 #include "session/DataEnvironment.h"
 #include "session/Vb.h"
@@ -36,14 +38,33 @@ QString GuarantorCell(const QVariant& id) {
 
 QString GuarantorCell(qint32 id) { return id == -1 ? NullCell() : QString::number(id); }
 
-QStringList LoadedRow(const Recordset& rs, int rowNumber) {
-    QStringList cells =
-        row(rowNumber, rs.Fields(u"EmployeeID"_s), rs.Fields(u"Code"_s),
-            cellText(rs.Fields(u"FirstName"_s)) + u"  "_s + cellText(rs.Fields(u"SureName"_s)));
-    for (int g = 1; g <= 3; ++g) cells << cellText(rs.Fields(u"Supporter"_s + QString::number(g)));
-    for (int g = 1; g <= 3; ++g)
-        cells << GuarantorCell(rs.Fields(u"supporterEmployeeid"_s + QString::number(g)));
-    return cells;
+LoadedRows::LoadedRows(const RowReader& rs)
+    : employeeId_(rs.FieldIndex(u"EmployeeID"_s)),
+      code_(rs.FieldIndex(u"Code"_s)),
+      firstName_(rs.FieldIndex(u"FirstName"_s)),
+      sureName_(rs.FieldIndex(u"SureName"_s)) {
+    for (int g = 0; g < 3; ++g) {
+        supporter_[g] = rs.FieldIndex(u"Supporter"_s + QString::number(g + 1));
+        supporterId_[g] = rs.FieldIndex(u"supporterEmployeeid"_s + QString::number(g + 1));
+    }
+}
+
+const std::array<QByteArrayView, GridColumns>& LoadedRows::Cells(RowReader& rs, int rowNumber) {
+    static const QByteArray null = NullCell().toUtf8();
+    cells_[0] = QByteArrayView(
+        number_.data(),
+        std::to_chars(number_.data(), number_.data() + number_.size(), rowNumber).ptr);
+    cells_[1] = rs.Text(employeeId_);
+    cells_[2] = rs.Text(code_);
+    name_.clear();
+    name_.append(rs.Text(firstName_)).append("  ").append(rs.Text(sureName_));
+    cells_[3] = name_;
+    for (int g = 0; g < 3; ++g) {
+        cells_[4 + g] = rs.Text(supporter_[g]);
+        const QByteArrayView id = rs.Text(supporterId_[g]);
+        cells_[7 + g] = id.isEmpty() ? QByteArrayView(null) : id;
+    }
+    return cells_;
 }
 
 QStringList PickedRow(const Recordset& employee, const Guarantors& guarantors, int rowNumber) {

@@ -5,6 +5,8 @@
 // name, 4-6 the guarantors' names, 7-9 the guarantors' IDs or the text "null". The save
 // reads columns 1 and 7-9, so every path that fills a row fills them the same way.
 
+#include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -12,7 +14,8 @@
 
 namespace kav {
 class Recordset;
-}
+class RowReader;
+}  // namespace kav
 
 namespace kav::members {
 
@@ -29,10 +32,22 @@ QString GuarantorCell(const QVariant& id);
 // A guarantor chosen in the picker as its cell: "null" for -1.
 QString GuarantorCell(qint32 id);
 
-// The 10 cells of a row of the member query (FillLoanDetail) at the recordset's current
-// row: the number, EmployeeID, Code, FirstName and SureName joined by two blanks, the
-// guarantors' names and their IDs.
-QStringList LoadedRow(const Recordset& rs, int rowNumber);
+// The rows of the member query (FillLoanDetail) as the grid's cells, in UTF-8: the number,
+// EmployeeID, Code, FirstName and SureName joined by two blanks, the guarantors' names and
+// their IDs. The columns are found once, when it is made.
+class LoadedRows {
+public:
+    explicit LoadedRows(const RowReader& rs);
+    // The 10 cells of the reader's current row; valid until the next call or the next row.
+    const std::array<QByteArrayView, GridColumns>& Cells(RowReader& rs, int rowNumber);
+
+private:
+    int employeeId_, code_, firstName_, sureName_;
+    std::array<int, 3> supporter_, supporterId_;
+    std::array<char, 16> number_{};
+    QByteArray name_;
+    std::array<QByteArrayView, GridColumns> cells_;
+};
 
 // The guarantors chosen with a member: their IDs (-1 for none) and, where found, names.
 struct Guarantors {

@@ -1,11 +1,10 @@
 #pragma once
 
 // The search's result grid: its 17 columns, filling it from the search text, and its rows
-// as CSV. Filling reads each result row straight into the grid, so a search of 100,000 rows
-// stays quick and small: on the embedded database it steps the statement on the session's
-// own SQLite connection and reads only the columns the grid shows; on other databases it
-// reads them through Qt SQL. Cells that repeat the row above (the loan's own columns for each
-// of its members) share the row above's text.
+// as CSV. Filling reads each result row once, forward only, through the data environment's
+// RowReader and puts the texts the grid shows straight into it as UTF-8, so a search of
+// 100,000 rows stays quick and small; the grid shares the text of a cell that repeats the row
+// above (the loan's own columns for each of its members).
 //
 //   Connection& cnt = module.DtEn().cnt();
 //   const int found = search::FillSearchGrid(cnt, search::SearchQuery(cnt.Dialect(), {}), grid);

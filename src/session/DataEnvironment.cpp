@@ -1,16 +1,22 @@
 #include "session/DataEnvironment.h"
 
+#include <sqlite3.h>
+
 #include <QFileInfo>
 #include <QLoggingCategory>
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QUuid>
+#include <algorithm>
+#include <charconv>
+#include <cstring>
 
 #include "base/Errors.h"
 #include "data/DriverError.h"
 #include "data/Procedures.h"
-#include "session/BusyPointer.h"
+#include "session/Vb.h"
 
 using namespace Qt::StringLiterals;
 
@@ -27,54 +33,332 @@ namespace {
     throw data::DriverError(error);
 }
 
+// A refused call of the sqlite3 C library, as Qt SQL reports it: the engine's message as the
+// database's text and its result code as the native code (5 busy, 6 locked).
+[[noreturn]] void sqliteError(sqlite3* db, int rc, const QString& sql) {
+    const QString text = QString::fromUtf8(sqlite3_errmsg(db));
+    databaseError(sql, QSqlError(u"Unable to execute statement"_s, text, QSqlError::StatementError,
+                                 QString::number(rc & 0xff)));
+}
+
+QString noCurrentRow(const QString& column) {
+    return u"رکورد جاري وجود ندارد (خواندن ستون «%1»)."_s.arg(column);
+}
+
+// The names of a prepared statement's columns.
+QStringList columnNames(sqlite3_stmt* stmt) {
+    QStringList names;
+    const int n = sqlite3_column_count(stmt);
+    names.reserve(n);
+    for (int c = 0; c < n; ++c) names << QString::fromUtf8(sqlite3_column_name(stmt, c));
+    return names;
+}
+
+// A column of the current row as Qt's SQLite driver gives it: a Null as a null text, whole
+// numbers as qlonglong, fractions as double, texts as QString, blobs as QByteArray.
+QVariant sqliteValue(sqlite3_stmt* stmt, int c) {
+    switch (sqlite3_column_type(stmt, c)) {
+        case SQLITE_INTEGER:
+            return QVariant(qlonglong(sqlite3_column_int64(stmt, c)));
+        case SQLITE_FLOAT:
+            return QVariant(sqlite3_column_double(stmt, c));
+        case SQLITE_NULL:
+            return QVariant(QMetaType::fromType<QString>());
+        case SQLITE_BLOB:
+            return QByteArray(static_cast<const char*>(sqlite3_column_blob(stmt, c)),
+                              sqlite3_column_bytes(stmt, c));
+        default:
+            return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(stmt, c)),
+                                     sqlite3_column_bytes(stmt, c));
+    }
+}
+
+// A fraction as the windows show it.
+QByteArray fractionText(double value) { return vb::CStr(value).toUtf8(); }
+
 }  // namespace
 
+// ---- ColumnNames ----
+
+void ColumnNames::assign(const QStringList& names) {
+    clear();
+    names_ = names;
+    for (int c = 0; c < names.size(); ++c) {
+        const QString folded = names[c].toLower();
+        if (!folded_.contains(folded)) folded_.insert(folded, c);
+    }
+}
+
+void ColumnNames::clear() {
+    names_.clear();
+    folded_.clear();
+    asked_.clear();
+}
+
+int ColumnNames::find(const QString& name) const {
+    const auto asked = asked_.constFind(name);
+    if (asked != asked_.constEnd()) return *asked;
+    const int index = folded_.value(name.toLower(), -1);
+    asked_.insert(name, index);
+    return index;
+}
+
+int ColumnNames::require(const QString& name) const {
+    const int index = find(name);
+    if (index < 0)
+        throw KavError(KavError::Kind::Database,
+                       u"ستون «%1» در نتيجه پرس و جو وجود ندارد."_s.arg(name));
+    return index;
+}
+
 // ---- Recordset ----
+
+Recordset::Recordset(Connection& cnt) : cnt_(&cnt) {}
+Recordset::~Recordset() = default;
+Recordset::Recordset(Recordset&&) noexcept = default;
+Recordset& Recordset::operator=(Recordset&&) noexcept = default;
 
 void Recordset::Open(const QString& sql) {
     Close();
     BusyPointer busy;  // while the statement waits for the database and its rows arrive
-    cnt_->Open();
-    QSqlQuery q(cnt_->Database());
-    q.setForwardOnly(true);
     qCDebug(lcSql) << sql;
-    if (!q.exec(sql)) databaseError(sql, q.lastError());
-    const QSqlRecord rec = q.record();
-    const int cols = rec.count();
-    for (int c = 0; c < cols; ++c) {
-        // The first of two columns with one name wins, as a lookup by name finds it.
-        index_.insert(rec.fieldName(c).toLower(), index_.value(rec.fieldName(c).toLower(), c));
+    if (sqlite3* db = cnt_->sqliteHandle()) {
+        compact_ = true;
+        sqlite3_stmt* stmt = cnt_->prepare(sql);
+        const int cols = sqlite3_column_count(stmt);
+        names_.assign(columnNames(stmt));
+        int rc;
+        while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+            for (int c = 0; c < cols; ++c) {
+                Cell cell;
+                cell.type = qint8(sqlite3_column_type(stmt, c));
+                switch (cell.type) {
+                    case SQLITE_INTEGER:
+                        cell.value = sqlite3_column_int64(stmt, c);
+                        break;
+                    case SQLITE_FLOAT: {
+                        const double d = sqlite3_column_double(stmt, c);
+                        std::memcpy(&cell.value, &d, sizeof d);
+                        break;
+                    }
+                    case SQLITE_TEXT:
+                    case SQLITE_BLOB: {
+                        const void* p = cell.type == SQLITE_TEXT
+                                            ? static_cast<const void*>(sqlite3_column_text(stmt, c))
+                                            : sqlite3_column_blob(stmt, c);
+                        cell.size = sqlite3_column_bytes(stmt, c);
+                        cell.value = qint64(texts_.size());
+                        if (cell.size > 0) texts_.append(static_cast<const char*>(p), cell.size);
+                        break;
+                    }
+                    default:
+                        break;
+                }
+                cells_.push_back(cell);
+            }
+            ++rows_;
+        }
+        if (rc != SQLITE_DONE) {
+            const QString text = QString::fromUtf8(sqlite3_errmsg(db));
+            sqlite3_finalize(stmt);
+            Close();
+            databaseError(sql, QSqlError(u"Unable to fetch row"_s, text, QSqlError::StatementError,
+                                         QString::number(rc & 0xff)));
+        }
+        sqlite3_finalize(stmt);
+    } else {
+        QSqlQuery q(cnt_->Database());
+        q.setForwardOnly(true);
+        if (!q.exec(sql)) databaseError(sql, q.lastError());
+        const QSqlRecord rec = q.record();
+        const int cols = rec.count();
+        QStringList names;
+        for (int c = 0; c < cols; ++c) names << rec.fieldName(c);
+        names_.assign(names);
+        while (q.next()) {
+            for (int c = 0; c < cols; ++c) values_.push_back(q.value(c));
+            ++rows_;
+        }
+        if (q.lastError().isValid()) {
+            const QSqlError error = q.lastError();
+            Close();
+            databaseError(sql, error);
+        }
+        q.finish();
     }
-    while (q.next()) {
-        QVector<QVariant> row;
-        row.reserve(cols);
-        for (int c = 0; c < cols; ++c) row.append(q.value(c));
-        rows_.append(std::move(row));
-    }
-    if (q.lastError().isValid()) databaseError(sql, q.lastError());
-    q.finish();
     open_ = true;
     pos_ = 0;
 }
 
 void Recordset::Close() {
     open_ = false;
+    compact_ = false;
     pos_ = 0;
-    index_.clear();
-    rows_.clear();
+    rows_ = 0;
+    names_.clear();
+    // A recordset that held many rows gives their memory back.
+    std::vector<Cell>().swap(cells_);
+    std::string().swap(texts_);
+    std::vector<QVariant>().swap(values_);
 }
 
-bool Recordset::HasField(const QString& column) const { return index_.contains(column.toLower()); }
+bool Recordset::HasField(const QString& column) const { return names_.find(column) >= 0; }
+
+int Recordset::FieldIndex(const QString& column) const { return names_.require(column); }
+
+void Recordset::checkCurrent(int index, const QString& column) const {
+    if (index < 0 || index >= names_.count())
+        throw KavError(KavError::Kind::Database,
+                       u"ستون %1 در نتيجه پرس و جو وجود ندارد."_s.arg(index));
+    if (EOF_()) throw KavError(KavError::Kind::Database, noCurrentRow(column));
+}
 
 QVariant Recordset::Fields(const QString& column) const {
-    const auto it = index_.constFind(column.toLower());
-    if (it == index_.constEnd())
+    const int index = names_.require(column);
+    checkCurrent(index, column);
+    return Fields(index);
+}
+
+QVariant Recordset::Fields(int index) const {
+    checkCurrent(index, QString::number(index));
+    const qsizetype at = pos_ * names_.count() + index;
+    if (!compact_) return values_[size_t(at)];
+    const Cell& cell = cells_[size_t(at)];
+    switch (cell.type) {
+        case SQLITE_INTEGER:
+            return QVariant(qlonglong(cell.value));
+        case SQLITE_FLOAT: {
+            double d;
+            std::memcpy(&d, &cell.value, sizeof d);
+            return QVariant(d);
+        }
+        case SQLITE_TEXT:
+            return QString::fromUtf8(texts_.data() + cell.value, cell.size);
+        case SQLITE_BLOB:
+            return QByteArray(texts_.data() + cell.value, cell.size);
+        default:
+            return QVariant(QMetaType::fromType<QString>());
+    }
+}
+
+bool Recordset::IsNull(int index) const {
+    checkCurrent(index, QString::number(index));
+    const qsizetype at = pos_ * names_.count() + index;
+    if (!compact_) return values_[size_t(at)].isNull();
+    return cells_[size_t(at)].type == SQLITE_NULL;
+}
+
+// ---- RowReader ----
+
+RowReader::RowReader(Connection& cnt, const QString& sql) : cnt_(&cnt), sql_(sql) {
+    qCDebug(lcSql) << sql;
+    if (cnt_->sqliteHandle()) {
+        stmt_ = cnt_->prepare(sql);
+        names_.assign(columnNames(stmt_));
+        scratch_.resize(size_t(names_.count()));
+    } else {
+        query_ = std::make_unique<QSqlQuery>(cnt_->Database());
+        query_->setForwardOnly(true);
+        if (!query_->exec(sql)) {
+            const QSqlError error = query_->lastError();
+            query_.reset();
+            databaseError(sql, error);
+        }
+        const QSqlRecord rec = query_->record();
+        QStringList names;
+        for (int c = 0; c < rec.count(); ++c) names << rec.fieldName(c);
+        names_.assign(names);
+        scratch_.resize(size_t(names_.count()));
+    }
+    cnt_->readers_.push_back(this);
+    registered_ = true;
+}
+
+RowReader::~RowReader() { finish(); }
+
+void RowReader::finish() noexcept {
+    if (stmt_) sqlite3_finalize(stmt_);
+    stmt_ = nullptr;
+    if (query_) query_->finish();
+    query_.reset();
+    onRow_ = false;
+    if (registered_) {
+        auto& readers = cnt_->readers_;
+        readers.erase(std::remove(readers.begin(), readers.end(), this), readers.end());
+        registered_ = false;
+    }
+}
+
+bool RowReader::Next() {
+    onRow_ = false;
+    if (stmt_) {
+        const int rc = sqlite3_step(stmt_);
+        if (rc == SQLITE_ROW) {
+            onRow_ = true;
+        } else if (rc != SQLITE_DONE) {
+            sqlite3* db = sqlite3_db_handle(stmt_);
+            const QString text = QString::fromUtf8(sqlite3_errmsg(db));
+            finish();
+            databaseError(sql_, QSqlError(u"Unable to fetch row"_s, text, QSqlError::StatementError,
+                                          QString::number(rc & 0xff)));
+        }
+    } else if (query_) {
+        if (query_->next()) {
+            onRow_ = true;
+        } else if (query_->lastError().isValid()) {
+            const QSqlError error = query_->lastError();
+            finish();
+            databaseError(sql_, error);
+        }
+    }
+    if (onRow_) ++rowsRead_;
+    return onRow_;
+}
+
+void RowReader::checkCurrent(int index) const {
+    if (index < 0 || index >= names_.count())
         throw KavError(KavError::Kind::Database,
-                       u"ستون «%1» در نتيجه پرس و جو وجود ندارد."_s.arg(column));
-    if (EOF_())
-        throw KavError(KavError::Kind::Database,
-                       u"رکورد جاري وجود ندارد (خواندن ستون «%1»)."_s.arg(column));
-    return rows_[pos_][*it];
+                       u"ستون %1 در نتيجه پرس و جو وجود ندارد."_s.arg(index));
+    if (!onRow_) throw KavError(KavError::Kind::Database, noCurrentRow(QString::number(index)));
+}
+
+bool RowReader::IsNull(int index) const {
+    checkCurrent(index);
+    if (stmt_) return sqlite3_column_type(stmt_, index) == SQLITE_NULL;
+    return query_->isNull(index);
+}
+
+QVariant RowReader::Fields(int index) const {
+    checkCurrent(index);
+    if (stmt_) return sqliteValue(stmt_, index);
+    return query_->value(index);
+}
+
+QByteArrayView RowReader::Text(int index) {
+    checkCurrent(index);
+    if (stmt_) {
+        switch (sqlite3_column_type(stmt_, index)) {
+            case SQLITE_NULL:
+                return {};
+            case SQLITE_FLOAT:
+                scratch_[size_t(index)] = fractionText(sqlite3_column_double(stmt_, index));
+                return scratch_[size_t(index)];
+            default: {
+                // Texts as stored; whole numbers in decimal, as sqlite3 writes them.
+                const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, index));
+                return QByteArrayView(p, sqlite3_column_bytes(stmt_, index));
+            }
+        }
+    }
+    const QVariant v = query_->value(index);
+    QByteArray& text = scratch_[size_t(index)];
+    if (v.isNull())
+        text.clear();
+    else if (v.typeId() == QMetaType::Double || v.typeId() == QMetaType::Float)
+        text = fractionText(v.toDouble());
+    else
+        text = v.toString().toUtf8();
+    return text;
 }
 
 // ---- Connection ----
@@ -99,6 +383,7 @@ bool Connection::IsOpen() const {
 
 void Connection::Open() {
     if (IsOpen()) return;
+    sqlite_ = nullptr;
     const data::ConnectionTarget target = data::MapConnectionString(connectionString_);
     if (QSqlDatabase::contains(qtName_)) QSqlDatabase::removeDatabase(qtName_);
     if (!QSqlDatabase::isDriverAvailable(target.qtDriver))
@@ -119,10 +404,20 @@ void Connection::Open() {
         throw KavError(KavError::Kind::Connection,
                        u"اتصال به پايگاه داده برقرار نشد:"_s + DriverTextLine(text));
     }
+    // Qt's SQLite driver and this library use the one sqlite3 library of the system, so the
+    // connection's statements run on the driver's own handle (its busy wait included).
+    if (target.qtDriver == u"QSQLITE" && db.driver()) {
+        const QVariant handle = db.driver()->handle();
+        if (handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0)
+            sqlite_ = *static_cast<sqlite3* const*>(handle.constData());
+    }
     dialect_ = std::make_unique<data::SqlDialect>(target.kind);
 }
 
 void Connection::Close() {
+    // Statements still open on the handle are finalised first, or it would not close.
+    while (!readers_.empty()) readers_.back()->finish();
+    sqlite_ = nullptr;
     if (QSqlDatabase::contains(qtName_)) {
         QSqlDatabase db = QSqlDatabase::database(qtName_, false);
         if (db.isOpen()) db.close();
@@ -141,11 +436,54 @@ const data::SqlDialect& Connection::Dialect() {
 
 data::DatabaseKind Connection::Kind() { return Dialect().kind(); }
 
+sqlite3* Connection::sqliteHandle() {
+    Open();
+    return sqlite_;
+}
+
+bool Connection::RunsOnSqlite() { return sqliteHandle() != nullptr; }
+
+sqlite3_stmt* Connection::prepare(const QString& sql) {
+    const QByteArray utf8 = sql.toUtf8();
+    sqlite3_stmt* stmt = nullptr;
+    const char* tail = nullptr;
+    const int rc = sqlite3_prepare_v2(sqlite_, utf8.constData(), int(utf8.size()), &stmt, &tail);
+    if (rc != SQLITE_OK) {
+        sqlite3_finalize(stmt);
+        sqliteError(sqlite_, rc, sql);
+    }
+    // One statement per text, as Qt's driver runs them.
+    if (tail && !QByteArrayView(tail, utf8.constData() + utf8.size() - tail).trimmed().isEmpty()) {
+        sqlite3_finalize(stmt);
+        databaseError(sql, QSqlError(u"Unable to execute multiple statements at a time"_s,
+                                     u"Unable to execute multiple statements at a time"_s,
+                                     QSqlError::StatementError, QString::number(SQLITE_MISUSE)));
+    }
+    if (!stmt)  // only blanks or a comment
+        databaseError(sql, QSqlError(u"No query"_s, u"No query"_s, QSqlError::StatementError,
+                                     QString::number(SQLITE_MISUSE)));
+    return stmt;
+}
+
 void Connection::Execute(const QString& sql) {
     BusyPointer busy;
     Open();
-    QSqlQuery q(Database());
     qCDebug(lcSql) << sql;
+    if (sqlite_) {
+        sqlite3_stmt* stmt = prepare(sql);
+        int rc;
+        while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+        }
+        if (rc != SQLITE_DONE) {
+            const QString text = QString::fromUtf8(sqlite3_errmsg(sqlite_));
+            sqlite3_finalize(stmt);
+            databaseError(sql, QSqlError(u"Unable to execute statement"_s, text,
+                                         QSqlError::StatementError, QString::number(rc & 0xff)));
+        }
+        sqlite3_finalize(stmt);
+        return;
+    }
+    QSqlQuery q(Database());
     if (!q.exec(sql)) databaseError(sql, q.lastError());
     q.finish();
 }
@@ -193,9 +531,19 @@ void Connection::Commit() {
 void Connection::Rollback() noexcept {
     try {
         if (!IsOpen()) return;
-        QSqlQuery q(Database());
         const QString sql = Dialect().rollbackTransaction();
         qCDebug(lcSql) << sql;
+        if (sqlite_) {
+            // Nothing to roll back when no transaction is open.
+            if (sqlite3_get_autocommit(sqlite_)) return;
+            char* message = nullptr;
+            if (sqlite3_exec(sqlite_, sql.toUtf8().constData(), nullptr, nullptr, &message) !=
+                SQLITE_OK)
+                qCWarning(lcSql) << "rollback failed:" << message;
+            sqlite3_free(message);
+            return;
+        }
+        QSqlQuery q(Database());
         if (!q.exec(sql)) qCWarning(lcSql) << "rollback failed:" << q.lastError().text();
         q.finish();
     } catch (...) {

@@ -239,3 +239,50 @@ TEST(FlexGrid, TopRowScrolls) {
     grid.setTopRow(100);
     EXPECT_EQ(grid.TopRow(), 100);
 }
+
+// Texts written as UTF-8 or as QString read back alike; a text shared with the cell above or
+// on the left stays its own when either is written over, also after the grid has packed its
+// texts anew (many overwrites), after a sort, and for texts too long to pack.
+TEST(FlexGrid, CellsKeepTheirOwnTextsWhateverTheyShare) {
+    FlexGrid grid;
+    grid.setCols(3);
+    grid.setRows(4);
+    const QString longText = QString(5000, u'ک') + u"!"_s;
+    grid.setTextMatrixUtf8(1, 0, "1403/02/01");
+    grid.setTextMatrix(2, 0, u"1403/02/01"_s);  // shares the row above's
+    grid.setTextMatrixUtf8(2, 1, QByteArrayView(u"1403/02/01"_s.toUtf8()));  // and its left's
+    grid.setTextMatrixUtf8(3, 0, u"وام ضروري"_s.toUtf8());
+    grid.setTextMatrix(3, 1, u"وام ضروري"_s);
+    grid.setTextMatrix(3, 2, longText);
+    grid.setTextMatrix(2, 0, u"x"_s);
+    EXPECT_EQ(column(grid, 0), (QStringList{u"1403/02/01"_s, u"x"_s, u"وام ضروري"_s}));
+    EXPECT_EQ(column(grid, 1), (QStringList{QString(), u"1403/02/01"_s, u"وام ضروري"_s}));
+    grid.setTextMatrixUtf8(3, 0, {});
+    EXPECT_EQ(grid.TextMatrix(3, 1), u"وام ضروري"_s);
+
+    grid.setRows(6);
+    grid.AddItem(u"cccc\tdddd\tdddd"_s);
+    grid.AddItem(u"eeee\tdddd\tffff"_s);
+    const QStringList packedRows = {u"cccc"_s, u"dddd"_s, u"dddd"_s,
+                                    u"eeee"_s, u"dddd"_s, u"ffff"_s};
+    // Enough overwrites to make the grid pack its texts again.
+    for (int round = 0; round < 3; ++round)
+        for (int i = 0; i < 3000; ++i)
+            grid.setTextMatrix(2, 2, QString(200, QChar(u'a' + (i + round) % 26)));
+    EXPECT_EQ(grid.TextMatrix(2, 2), QString(200, QChar(u'a' + 2999 % 26 + 2)));
+    QStringList packed;
+    for (int r = 6; r <= 7; ++r)
+        for (int c = 0; c < 3; ++c) packed << grid.TextMatrix(r, c);
+    EXPECT_EQ(packed, packedRows);
+    grid.setRows(4);
+    EXPECT_EQ(column(grid, 0), (QStringList{u"1403/02/01"_s, u"x"_s, QString()}));
+    EXPECT_EQ(column(grid, 1), (QStringList{QString(), u"1403/02/01"_s, u"وام ضروري"_s}));
+    EXPECT_EQ(grid.TextMatrix(3, 2), longText);
+
+    grid.setCol(0);
+    grid.Sort(FlexGrid::flexSortGenericDescending);
+    EXPECT_EQ(column(grid, 0), (QStringList{u"x"_s, u"1403/02/01"_s, QString()}));
+    EXPECT_EQ(column(grid, 1), (QStringList{u"1403/02/01"_s, QString(), u"وام ضروري"_s}));
+    EXPECT_EQ(grid.TextMatrix(3, 2), longText);
+    EXPECT_EQ(grid.view()->model()->index(2, 2).data().toString(), longText);
+}

@@ -4,6 +4,7 @@
 #include <QDate>
 #include <QFile>
 #include <QGuiApplication>
+#include <QSqlQuery>
 #include <functional>
 #include <vector>
 
@@ -48,6 +49,51 @@ void checkRecordsetNavigation(Module& module) {
     EXPECT_FALSE(rs.IsOpen());
 }
 
+// Values of every kind read the same through a recordset, by name and by position, and
+// through a reader, whose texts are what the windows show: a fraction as CStr writes it.
+void checkValuesOfEveryKind(Module& module) {
+    const QString sql =
+        u"select -42 as Whole, 1500.5 as Fraction, 1500.0 as Round, 'کاظم' as Name, '' as Blank, "
+        u"NULL as Absent, 7 as whole"_s;
+    Recordset rs = module.DtEn().NewRecordset();
+    rs.Open(sql);
+    ASSERT_EQ(rs.RecordCount(), 1);
+    const QVariantList expected = {qlonglong(-42), 1500.5, 1500.0, u"کاظم"_s, u""_s};
+    for (int c = 0; c < 5; ++c) {
+        EXPECT_EQ(rs.Fields(c), expected[c]) << c;
+        // ODBC drivers choose their own integer widths; the embedded path is Qt SQL's.
+        if (module.DtEn().cnt().RunsOnSqlite())
+            EXPECT_EQ(rs.Fields(c).typeId(), expected[c].typeId()) << c;
+        EXPECT_FALSE(rs.IsNull(c)) << c;
+    }
+    EXPECT_TRUE(rs.IsNull(5));
+    EXPECT_TRUE(rs.IsNull(u"ABSENT"_s));
+    // Of two columns with one name the first wins, whatever case either is asked in.
+    for (const QString& name : {u"whole"_s, u"WHOLE"_s, u"Whole"_s, u"whole"_s})
+        EXPECT_EQ(rs.FieldIndex(name), 0) << name.toStdString();
+    EXPECT_EQ(rs.Fields(u"wHoLe"_s), QVariant(qlonglong(-42)));
+
+    RowReader rows(module.DtEn().cnt(), sql);
+    EXPECT_EQ(rows.FieldCount(), 7);
+    EXPECT_EQ(rows.FieldIndex(u"NAME"_s), 3);
+    EXPECT_THROW(rows.Text(0), KavError);  // no row yet
+    ASSERT_TRUE(rows.Next());
+    const QByteArrayList texts = {"-42", "1500.5", "1500", "کاظم", "", "", "7"};
+    for (int c = 0; c < 7; ++c) EXPECT_EQ(rows.Text(c).toByteArray(), texts[c]) << c;
+    EXPECT_EQ(rows.Fields(1), QVariant(1500.5));
+    EXPECT_TRUE(rows.IsNull(5));
+    EXPECT_FALSE(rows.IsNull(4));
+    EXPECT_FALSE(rows.Next());
+    EXPECT_EQ(rows.RowsRead(), 1);
+    EXPECT_THROW(rows.Fields(0), KavError);
+    try {
+        rows.FieldIndex(u"Missing"_s);
+        ADD_FAILURE() << "found a missing column";
+    } catch (const KavError& e) {
+        EXPECT_EQ(e.message(), u"ستون «Missing» در نتيجه پرس و جو وجود ندارد."_s);
+    }
+}
+
 }  // namespace
 
 TEST(DataEnvironment, RecordsetNavigatesAndKeepsNullApartFromEmpty) {
@@ -60,6 +106,61 @@ TEST(DataEnvironment, RecordsetNavigatesAndKeepsNullApartFromEmpty) {
     EXPECT_EQ(rs.RecordCount(), 0);
     EXPECT_TRUE(rs.EOF_());
     EXPECT_THROW(rs.Fields(u"NoSuchColumn"_s), KavError);
+    checkValuesOfEveryKind(t.module);
+}
+
+// The connection's statements, Qt SQL's and the readers' all run on one handle: a row
+// written inside a transaction is seen by the others before it is committed.
+TEST(DataEnvironment, OneConnectionOneHandle) {
+    test::TestModule t;
+    fillEmployees(t.db);
+    Connection& cnt = t.module.DtEn().cnt();
+    ASSERT_TRUE(cnt.RunsOnSqlite());
+    cnt.BeginSerialised(u"KAVHRLoan"_s);
+    cnt.Execute(u"delete from tblEmployee where ID=3"_s);
+    QSqlQuery q(cnt.Database());
+    ASSERT_TRUE(q.exec(u"select count(*) from tblEmployee"_s) && q.next());
+    EXPECT_EQ(q.value(0).toInt(), 2);
+    q.finish();
+    RowReader rows(cnt, u"select count(*) as n from tblEmployee"_s);
+    ASSERT_TRUE(rows.Next());
+    EXPECT_EQ(rows.Text(0).toByteArray(), "2");
+    cnt.Rollback();
+    EXPECT_EQ(t.db.scalar(u"select count(*) from tblEmployee"_s).toInt(), 3);
+}
+
+// A reader left open when its connection closes is finished, so the file is let go: another
+// client can take it whole, and the reader reads no further.
+TEST(DataEnvironment, ClosingTheConnectionFinishesOpenReaders) {
+    test::TestModule t;
+    fillEmployees(t.db);
+    Connection& cnt = t.module.DtEn().cnt();
+    RowReader rows(cnt, u"select ID from tblEmployee order by ID"_s);
+    ASSERT_TRUE(rows.Next());
+    cnt.Close();
+    EXPECT_FALSE(rows.Next());
+    EXPECT_TRUE(t.db.exec(u"BEGIN EXCLUSIVE"_s));
+    EXPECT_TRUE(t.db.exec(u"ROLLBACK"_s));
+    Recordset rs(cnt);  // the connection opens again on use
+    rs.Open(u"select count(*) as n from tblEmployee"_s);
+    EXPECT_EQ(rs.Fields(u"n"_s).toInt(), 3);
+}
+
+// A statement that fails while its rows are read (not when it is prepared) says so.
+TEST(DataEnvironment, AFailureWhileReadingRowsCarriesTheDriversText) {
+    test::TestModule t;
+    const QString sql = u"select abs(-9223372036854775807 - 1) as x"_s;
+    RowReader rows(t.module.DtEn().cnt(), sql);
+    try {
+        rows.Next();
+        ADD_FAILURE() << "no error";
+    } catch (const KavError& e) {
+        EXPECT_EQ(e.kind(), KavError::Kind::Database);
+        EXPECT_EQ(e.message(), u"خطاي پايگاه داده:\n\u2066integer overflow\u2069"_s);
+    }
+    Recordset rs(t.module.DtEn().cnt());
+    EXPECT_THROW(rs.Open(sql), KavError);
+    EXPECT_FALSE(rs.IsOpen());
 }
 
 // The driver's own text stands on a line of its own, isolated left to right, so its colon
@@ -228,7 +329,9 @@ TEST(DataEnvironment, RunsThroughOdbcWithTheSqliteDriver) {
     module.OpenSessionConnection();
     EXPECT_EQ(module.DtEn().cnt().Database().driverName(), u"QODBC"_s);
     EXPECT_EQ(module.DtEn().Dialect().kind(), data::DatabaseKind::SQLite);
+    EXPECT_FALSE(module.DtEn().cnt().RunsOnSqlite());
     checkRecordsetNavigation(module);
+    checkValuesOfEveryKind(module);
     EXPECT_TRUE(module.HasPermission(111801));
     EXPECT_FALSE(module.HasPermission(111802));
     Connection& cnt = module.DtEn().cnt();

@@ -65,7 +65,7 @@ TEST(Concurrency, TwoProcessesSavingAtOnceGetDistinctGapFreeCodesAndTheirOwnMemb
     EXPECT_EQ(expectedCode - 1, 2 * saves);
     EXPECT_EQ(db.scalar(u"select count(*) from tblHRLoanDetail"_s).toInt(), 2 * saves * kMembers);
     // The two really saved at the same time: their loans' numbers interleave.
-    EXPECT_GT(turns, saves / 10);
+    EXPECT_GE(turns, 3);
     std::cout << "[ figures  ] " << 2 * saves << " final loans saved by two processes at once in "
               << elapsed << " ms, the clients took turns " << turns << " times; codes 1.."
               << 2 * saves << " without gap, no error shown\n";

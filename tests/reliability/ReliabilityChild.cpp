@@ -9,8 +9,8 @@
 //       until killed.
 //   kav_reliability_child concurrent FILE COUNT TAG MEMBERS
 //       Prints "ready", waits for a line on its input, then saves COUNT new final loans with
-//       the notes "TAG:i" and MEMBERS member rows each (employees TAG*1000+k), a millisecond
-//       or two apart. Prints
+//       the notes "TAG:i" and MEMBERS member rows each (employees TAG*1000+k), a few
+//       milliseconds apart. Prints
 //       "error ..." for every save that raised and "done E" at the end; exits with 1 when E
 //       is not 0.
 //   kav_reliability_child hold FILE MILLISECONDS
@@ -88,7 +88,7 @@ int concurrent(const QString& file, int count, int tag, int members) {
     for (int i = 1; i <= count; ++i) {
         // A moment between two saves, as between two clerks' clicks; the other client gets
         // its turn.
-        QThread::usleep(500 + (i * 7919 + tag * 104729) % 1500);
+        QThread::usleep(3000 + (i * 7919 + tag * 104729) % 7000);
         try {
             loan_save::WriteLoan(cnt, reliability::TaggedLoan(tag, i, members), std::nullopt);
         } catch (const KavError& e) {

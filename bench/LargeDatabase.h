@@ -44,7 +44,7 @@ inline constexpr int WorkYear = 1403;
 inline constexpr int WorkMonth = 7;
 
 // Creates file (which must not exist yet) with the embedded schema and fills it in one
-// transaction. Raises KavError (Usage) for sizes that cannot be met, (Database) when
+// transaction; the file keeps a write-ahead log (journal_mode WAL). Raises KavError (Usage) for sizes that cannot be met, (Database) when
 // writing fails; a failed run leaves no file behind.
 Landmarks CreateLargeDatabase(const QString& file, const LargeDatabaseOptions& options = {});
 

@@ -13,7 +13,7 @@ bin=build/bench
 data=$bin/data
 mkdir -p "$data"
 # The name changes whenever the generator does, so an old database is never measured.
-large=$data/large-v1.db
+large=$data/large-v2.db
 if [ ! -f "$large" ]; then
   "$bin/bench/kav_make_large_db" "$large"
 fi

@@ -112,13 +112,15 @@ QStringList EmbeddedSchemaStatements() {
     UserID INTEGER NOT NULL,
     FormPermissionID INTEGER NOT NULL
 ))"_s,
+        // The indexes of the module's queries: a loan's members, one member of a loan (his
+        // schedule's adjustments and payslips, his removal), a member's loans, the next code.
         u"CREATE INDEX IF NOT EXISTS IX_tblHRLoan_Code ON tblHRLoan (Code)"_s,
         u"CREATE INDEX IF NOT EXISTS IX_tblHRLoan_TypeID ON tblHRLoan (TypeID)"_s,
-        u"CREATE INDEX IF NOT EXISTS IX_tblHRLoanDetail_LoanID ON tblHRLoanDetail (LoanID)"_s,
+        u"CREATE INDEX IF NOT EXISTS IX_tblHRLoanDetail_LoanID_EmployeeID ON tblHRLoanDetail (LoanID, EmployeeID)"_s,
         u"CREATE INDEX IF NOT EXISTS IX_tblHRLoanDetail_EmployeeID ON tblHRLoanDetail (EmployeeID)"_s,
-        u"CREATE INDEX IF NOT EXISTS IX_tblHRLoanException_LoanID ON tblHRLoanException (LoanID)"_s,
+        u"CREATE INDEX IF NOT EXISTS IX_tblHRLoanException_LoanID_EmployeeID ON tblHRLoanException (LoanID, EmployeeID)"_s,
         u"CREATE INDEX IF NOT EXISTS IX_tblHRLoanException_EmployeeID ON tblHRLoanException (EmployeeID)"_s,
-        u"CREATE INDEX IF NOT EXISTS IX_tblHRMonthlyPaiedLoan_LoanID ON tblHRMonthlyPaiedLoan (LoanID)"_s,
+        u"CREATE INDEX IF NOT EXISTS IX_tblHRMonthlyPaiedLoan_LoanID_EmployeeID ON tblHRMonthlyPaiedLoan (LoanID, EmployeeID)"_s,
         u"CREATE INDEX IF NOT EXISTS IX_tblHRMonthlyPaiedLoan_EmployeeID ON tblHRMonthlyPaiedLoan (EmployeeID)"_s,
         u"CREATE INDEX IF NOT EXISTS IX_tblEmployee_Code ON tblEmployee (Code)"_s,
         u"CREATE INDEX IF NOT EXISTS IX_tblHROrdinance_EmployeeID ON tblHROrdinance (EmployeeID)"_s,

@@ -11,7 +11,9 @@
 #include <QUuid>
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <cstring>
+#include <thread>
 
 #include "base/Errors.h"
 #include "data/DriverError.h"
@@ -143,7 +145,8 @@ void Recordset::Open(const QString& sql) {
                     }
                     case SQLITE_TEXT:
                     case SQLITE_BLOB: {
-                        const void* p = cell.type == SQLITE_TEXT
+                        // A UTF-8 database's text as it lies in the row (no terminated copy).
+                        const void* p = cell.type == SQLITE_TEXT && !cnt_->utf8_
                                             ? static_cast<const void*>(sqlite3_column_text(stmt, c))
                                             : sqlite3_column_blob(stmt, c);
                         cell.size = sqlite3_column_bytes(stmt, c);
@@ -256,6 +259,7 @@ RowReader::RowReader(Connection& cnt, const QString& sql) : cnt_(&cnt), sql_(sql
         stmt_ = cnt_->prepare(sql);
         names_.assign(columnNames(stmt_));
         scratch_.resize(size_t(names_.count()));
+        numbers_.resize(size_t(names_.count()));
     } else {
         query_ = std::make_unique<QSqlQuery>(cnt_->Database());
         query_->setForwardOnly(true);
@@ -340,11 +344,25 @@ QByteArrayView RowReader::Text(int index) {
         switch (sqlite3_column_type(stmt_, index)) {
             case SQLITE_NULL:
                 return {};
+            case SQLITE_INTEGER: {
+                // Written here rather than by sqlite3, which would allocate the text.
+                char* out = numbers_[size_t(index)].data();
+                const char* end =
+                    std::to_chars(out, out + NumberSize, sqlite3_column_int64(stmt_, index)).ptr;
+                return QByteArrayView(out, end - out);
+            }
             case SQLITE_FLOAT:
                 scratch_[size_t(index)] = fractionText(sqlite3_column_double(stmt_, index));
                 return scratch_[size_t(index)];
+            case SQLITE_TEXT:
+                // A UTF-8 database's text as it lies in the row, without the terminating
+                // zero sqlite3_column_text would copy it to make.
+                if (cnt_->utf8_) {
+                    const auto* p = static_cast<const char*>(sqlite3_column_blob(stmt_, index));
+                    return QByteArrayView(p, sqlite3_column_bytes(stmt_, index));
+                }
+                [[fallthrough]];
             default: {
-                // Texts as stored; whole numbers in decimal, as sqlite3 writes them.
                 const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, index));
                 return QByteArrayView(p, sqlite3_column_bytes(stmt_, index));
             }
@@ -411,6 +429,19 @@ void Connection::Open() {
         if (handle.isValid() && qstrcmp(handle.typeName(), "sqlite3*") == 0)
             sqlite_ = *static_cast<sqlite3* const*>(handle.constData());
     }
+    // Waiting for another client's lock: try again every millisecond. SQLite's own wait sleeps
+    // longer and longer between tries (up to 100 ms), so a client that saves often would keep
+    // taking the lock back before a waiting one woke up.
+    if (sqlite_) sqlite3_busy_handler(sqlite_, &Connection::waitForLock, this);
+    utf8_ = false;
+    if (sqlite_) {
+        sqlite3_stmt* stmt = nullptr;
+        if (sqlite3_prepare_v2(sqlite_, "PRAGMA encoding", -1, &stmt, nullptr) == SQLITE_OK &&
+            sqlite3_step(stmt) == SQLITE_ROW)
+            utf8_ =
+                qstrcmp(reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0)), "UTF-8") == 0;
+        sqlite3_finalize(stmt);
+    }
     dialect_ = std::make_unique<data::SqlDialect>(target.kind);
 }
 
@@ -442,6 +473,16 @@ sqlite3* Connection::sqliteHandle() {
 }
 
 bool Connection::RunsOnSqlite() { return sqliteHandle() != nullptr; }
+
+int Connection::waitForLock(void* connection, int tries) {
+    auto& waitStart = static_cast<Connection*>(connection)->waitStart_;
+    const auto now = std::chrono::steady_clock::now();
+    if (tries == 0) waitStart = now;
+    if (now - waitStart >= std::chrono::milliseconds(data::SqlDialect::LockWaitMilliseconds))
+        return 0;  // busy: the statement fails with SQLITE_BUSY
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return 1;
+}
 
 sqlite3_stmt* Connection::prepare(const QString& sql) {
     const QByteArray utf8 = sql.toUtf8();

@@ -16,6 +16,8 @@
 #include <QStringList>
 #include <QVariant>
 #include <QVector>
+#include <array>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -162,7 +164,9 @@ private:
     bool onRow_ = false;
     bool registered_ = false;  // among the connection's open readers
     qint64 rowsRead_ = 0;
-    std::vector<QByteArray> scratch_;  // texts made for Text() on this row
+    static constexpr int NumberSize = 24;
+    std::vector<QByteArray> scratch_;                    // texts made for Text() on this row
+    std::vector<std::array<char, NumberSize>> numbers_;  // whole numbers written for Text()
 };
 
 // The connection cnt. It opens itself on first use with the connection string it was
@@ -212,11 +216,15 @@ private:
     sqlite3* sqliteHandle();
     // A statement prepared on the handle; raises as a refused statement does.
     sqlite3_stmt* prepare(const QString& sql);
+    // The embedded database's wait for another client's lock (an sqlite3 busy handler).
+    static int waitForLock(void* connection, int tries);
 
     QString connectionString_;
     QString qtName_;  // the QSqlDatabase connection name, unique per Connection
     std::unique_ptr<data::SqlDialect> dialect_;
     sqlite3* sqlite_ = nullptr;
+    bool utf8_ = false;  // the embedded database keeps its texts as UTF-8
+    std::chrono::steady_clock::time_point waitStart_;  // of the current wait for a lock
     std::vector<RowReader*> readers_;  // open readers, finished when the connection closes
 };
 

@@ -62,6 +62,7 @@ TEST_F(LargeDatabaseTest, HasTheSizesAskedForAndItsLandmarks) {
     const Landmarks made = CreateLargeDatabase(file(u"l.db"_s), o);
     RawDb db(file(u"l.db"_s));
     auto count = [&](const QString& sql) { return db.scalar(sql).toLongLong(); };
+    EXPECT_EQ(db.scalar(u"PRAGMA journal_mode"_s).toString(), u"wal"_s);  // made here, so WAL
     EXPECT_EQ(count(u"select count(*) from tblEmployee"_s), 200);
     EXPECT_EQ(count(u"select count(*) from tblHRLoan"_s), 1000);
     EXPECT_EQ(count(u"select count(*) from tblHRLoanDetail"_s), 4000);

@@ -301,4 +301,31 @@ TEST(Schema, SqlServerScriptParsesAsTsql) {
     EXPECT_TRUE(whole.passed) << whole.output.toStdString();
 }
 
+// Both databases get the same indexes, on the same columns in the same order; among them the
+// ones the member's schedule and the loan's members are read by.
+TEST(Schema, SqlServerScriptHasTheSameIndexes) {
+    QMap<QString, QString> script;
+    static const QRegularExpression index(
+        uR"(CREATE\s+INDEX\s+(\w+)\s+ON\s+dbo\.(\w+)\s*\(([^)]*)\))"_s);
+    for (auto it = index.globalMatch(scriptText()); it.hasNext();) {
+        const auto m = it.next();
+        script.insert(m.captured(1), m.captured(2) + u"("_s + m.captured(3).remove(u' ') + u")"_s);
+    }
+    ScratchDb s;
+    QMap<QString, QString> embedded;
+    for (const auto& r : s.rows(u"select name, tbl_name from sqlite_master where type = 'index' "
+                                u"and name not like 'sqlite%'"_s)) {
+        QStringList columns;
+        for (const auto& c : s.rows(u"pragma index_info("_s + r[u"name"_s].toString() + u")"_s))
+            columns << c[u"name"_s].toString();
+        embedded.insert(r[u"name"_s].toString(),
+                        r[u"tbl_name"_s].toString() + u"("_s + columns.join(u',') + u")"_s);
+    }
+    EXPECT_EQ(embedded, script);
+    for (const QString& table :
+         {u"tblHRLoanDetail"_s, u"tblHRLoanException"_s, u"tblHRMonthlyPaiedLoan"_s})
+        EXPECT_EQ(script.value(u"IX_%1_LoanID_EmployeeID"_s.arg(table)),
+                  table + u"(LoanID,EmployeeID)"_s);
+}
+
 }  // namespace

@@ -129,6 +129,25 @@ TEST(DataEnvironment, OneConnectionOneHandle) {
     EXPECT_EQ(t.db.scalar(u"select count(*) from tblEmployee"_s).toInt(), 3);
 }
 
+// Opening a database, reading and writing it never switches its journal: a site's file keeps
+// the mode it has, the rollback journal or a write-ahead log.
+TEST(DataEnvironment, AnOpenedDatabaseKeepsItsJournalMode) {
+    for (const QString& mode : {u"delete"_s, u"wal"_s}) {
+        test::TestModule t;
+        fillEmployees(t.db);
+        ASSERT_EQ(t.db.scalar(u"PRAGMA journal_mode="_s + mode).toString(), mode);
+        Connection& cnt = t.module.DtEn().cnt();
+        WriteTransaction tx(cnt, u"KAVHRLoan"_s);
+        cnt.Execute(u"delete from tblEmployee where ID=3"_s);
+        tx.Commit();
+        Recordset rs(cnt);
+        rs.Open(u"PRAGMA journal_mode"_s);
+        EXPECT_EQ(rs.Fields(0).toString(), mode);
+        cnt.Close();
+        EXPECT_EQ(t.db.scalar(u"PRAGMA journal_mode"_s).toString(), mode);
+    }
+}
+
 // A reader left open when its connection closes is finished, so the file is let go: another
 // client can take it whole, and the reader reads no further.
 TEST(DataEnvironment, ClosingTheConnectionFinishesOpenReaders) {

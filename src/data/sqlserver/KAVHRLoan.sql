@@ -150,21 +150,21 @@ IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoan_Code'
 IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoan_TypeID'
                AND object_id = OBJECT_ID(N'dbo.tblHRLoan'))
     CREATE INDEX IX_tblHRLoan_TypeID ON dbo.tblHRLoan (TypeID);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanDetail_LoanID'
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanDetail_LoanID_EmployeeID'
                AND object_id = OBJECT_ID(N'dbo.tblHRLoanDetail'))
-    CREATE INDEX IX_tblHRLoanDetail_LoanID ON dbo.tblHRLoanDetail (LoanID);
+    CREATE INDEX IX_tblHRLoanDetail_LoanID_EmployeeID ON dbo.tblHRLoanDetail (LoanID, EmployeeID);
 IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanDetail_EmployeeID'
                AND object_id = OBJECT_ID(N'dbo.tblHRLoanDetail'))
     CREATE INDEX IX_tblHRLoanDetail_EmployeeID ON dbo.tblHRLoanDetail (EmployeeID);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanException_LoanID'
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanException_LoanID_EmployeeID'
                AND object_id = OBJECT_ID(N'dbo.tblHRLoanException'))
-    CREATE INDEX IX_tblHRLoanException_LoanID ON dbo.tblHRLoanException (LoanID);
+    CREATE INDEX IX_tblHRLoanException_LoanID_EmployeeID ON dbo.tblHRLoanException (LoanID, EmployeeID);
 IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanException_EmployeeID'
                AND object_id = OBJECT_ID(N'dbo.tblHRLoanException'))
     CREATE INDEX IX_tblHRLoanException_EmployeeID ON dbo.tblHRLoanException (EmployeeID);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRMonthlyPaiedLoan_LoanID'
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRMonthlyPaiedLoan_LoanID_EmployeeID'
                AND object_id = OBJECT_ID(N'dbo.tblHRMonthlyPaiedLoan'))
-    CREATE INDEX IX_tblHRMonthlyPaiedLoan_LoanID ON dbo.tblHRMonthlyPaiedLoan (LoanID);
+    CREATE INDEX IX_tblHRMonthlyPaiedLoan_LoanID_EmployeeID ON dbo.tblHRMonthlyPaiedLoan (LoanID, EmployeeID);
 IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRMonthlyPaiedLoan_EmployeeID'
                AND object_id = OBJECT_ID(N'dbo.tblHRMonthlyPaiedLoan'))
     CREATE INDEX IX_tblHRMonthlyPaiedLoan_EmployeeID ON dbo.tblHRMonthlyPaiedLoan (EmployeeID);

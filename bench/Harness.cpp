@@ -73,7 +73,11 @@ long ResidentKb() {
     return 0;
 }
 
-double HeapInUseMb() { return double(mallinfo2().uordblks) / (1024.0 * 1024.0); }
+double HeapInUseMb() {
+    // Blocks in the heap and blocks mapped on their own (large ones).
+    const struct mallinfo2 m = mallinfo2();
+    return double(m.uordblks + m.hblkhd) / (1024.0 * 1024.0);
+}
 
 ProcessRun RunProcess(const QString& program, const QStringList& args, const QStringList& setEnv,
                       const QString& logFile, int timeoutMs) {

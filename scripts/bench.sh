@@ -1,19 +1,22 @@
 #!/usr/bin/env bash
 # Builds the benchmarks (the bench preset, Release), makes the large database and the demo
-# database once under build/bench/data, runs every benchmark and prints the table of the
-# module's times beside the same SQL texts run through the sqlite3 C library, ending with
+# database once under the build folder's data/, runs every benchmark and prints the table of
+# the module's times beside the same SQL texts run through the sqlite3 C library, ending with
 # "targets met: X of Y". Extra arguments go to kav_bench (--reps N, --only NAMES).
+# KAV_BENCH_BUILD_DIR names another build folder than build/bench.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh
-cmake --preset bench >/dev/null
-cmake --build --preset bench
+bin=${KAV_BENCH_BUILD_DIR:-build/bench}
+launcher=()
+if command -v ccache >/dev/null; then launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache); fi
+cmake --preset bench -B "$bin" "${launcher[@]}" >/dev/null
+cmake --build "$bin"
 
-bin=build/bench
 data=$bin/data
 mkdir -p "$data"
 # The name changes whenever the generator does, so an old database is never measured.
-large=$data/large-v2.db
+large=$data/large-v3.db
 if [ ! -f "$large" ]; then
   "$bin/bench/kav_make_large_db" "$large"
 fi

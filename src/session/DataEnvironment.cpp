@@ -169,6 +169,9 @@ void Recordset::Open(const QString& sql) {
                                          QString::number(rc & 0xff)));
         }
         sqlite3_finalize(stmt);
+        // A large result does not keep the spare room its arrays grew with.
+        if (cells_.capacity() - cells_.size() > cells_.size() / 4 + 4096) cells_.shrink_to_fit();
+        if (texts_.capacity() - texts_.size() > texts_.size() / 4 + 65536) texts_.shrink_to_fit();
     } else {
         QSqlQuery q(cnt_->Database());
         q.setForwardOnly(true);

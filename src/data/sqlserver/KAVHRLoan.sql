@@ -150,9 +150,9 @@ IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoan_Code'
 IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoan_TypeID'
                AND object_id = OBJECT_ID(N'dbo.tblHRLoan'))
     CREATE INDEX IX_tblHRLoan_TypeID ON dbo.tblHRLoan (TypeID);
-IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanDetail_LoanID_EmployeeID'
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanDetail_LoanID'
                AND object_id = OBJECT_ID(N'dbo.tblHRLoanDetail'))
-    CREATE INDEX IX_tblHRLoanDetail_LoanID_EmployeeID ON dbo.tblHRLoanDetail (LoanID, EmployeeID);
+    CREATE INDEX IX_tblHRLoanDetail_LoanID ON dbo.tblHRLoanDetail (LoanID);
 IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanDetail_EmployeeID'
                AND object_id = OBJECT_ID(N'dbo.tblHRLoanDetail'))
     CREATE INDEX IX_tblHRLoanDetail_EmployeeID ON dbo.tblHRLoanDetail (EmployeeID);

@@ -37,29 +37,13 @@ using vb::Currency;
 
 namespace {
 
-template <class W>
-W* named(W* w, const QString& name) {
-    w->setObjectName(name);
-    return w;
-}
 
 QPushButton* commandButton(QWidget* parent, const QString& caption, const QString& name) {
-    auto* b = named(new QPushButton(caption, parent), name);
+    auto* b = Named(new QPushButton(caption, parent), name);
     b->setAutoDefault(false);
     return b;
 }
 
-// A field as text: Null empty, amounts in plain decimal.
-QString fieldText(const QVariant& v) {
-    if (v.isNull()) return QString();
-    switch (v.typeId()) {
-        case QMetaType::Double:
-        case QMetaType::Float:
-            return vb::CStr(v.toDouble());
-        default:
-            return v.toString();
-    }
-}
 
 // An amount field grouped for display; empty for Null.
 QString amountField(const QVariant& v) {
@@ -115,21 +99,21 @@ void FormHRException::buildControls() {
     ApplyPersianStyle(this);
     setWindowTitle(T::Caption);
 
-    lblMessage = named(new QLabel(this), u"lblMessage"_s);
+    lblMessage = Named(new QLabel(this), u"lblMessage"_s);
     QFont statusFont = lblMessage->font();
     statusFont.setBold(true);
     lblMessage->setFont(statusFont);
     lblMessage->setMinimumHeight(24);
 
-    gmpEmployee = named(new VarekSelector(this), u"gmpEmployee"_s);
-    gdcBalancePF = named(new VarekDate(this), u"gdcBalancePF"_s);
-    gdcBalancePT = named(new VarekDate(this), u"gdcBalancePT"_s);
-    TxtPerMonth = named(new QLineEdit(this), u"TxtPerMonth"_s);
+    gmpEmployee = Named(new VarekSelector(this), u"gmpEmployee"_s);
+    gdcBalancePF = Named(new VarekDate(this), u"gdcBalancePF"_s);
+    gdcBalancePT = Named(new VarekDate(this), u"gdcBalancePT"_s);
+    TxtPerMonth = Named(new QLineEdit(this), u"TxtPerMonth"_s);
     TxtPerMonth->setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
     TxtPerMonth->setMaxLength(30);
-    txtID = named(new QLineEdit(this), u"txtID"_s);
+    txtID = Named(new QLineEdit(this), u"txtID"_s);
     txtID->hide();
-    txtPaidID = named(new QLineEdit(this), u"txtPaidID"_s);
+    txtPaidID = Named(new QLineEdit(this), u"txtPaidID"_s);
     txtPaidID->hide();
 
     auto label = [this](const QString& text, QWidget* buddy) {
@@ -181,7 +165,7 @@ void FormHRException::buildControls() {
 
 // The loan's terms, each a caption and a value label named lbl<what>.
 QWidget* FormHRException::buildLoanInfo() {
-    fraLoanInfo = named(new QGroupBox(T::FrameLoanInfo, this), u"fraLoanInfo"_s);
+    fraLoanInfo = Named(new QGroupBox(T::FrameLoanInfo, this), u"fraLoanInfo"_s);
     auto* grid = new QGridLayout(fraLoanInfo);
     grid->setHorizontalSpacing(8);
     const std::pair<QString, QString> items[] = {
@@ -196,7 +180,7 @@ QWidget* FormHRException::buildLoanInfo() {
     };
     int i = 0;
     for (const auto& [caption, name] : items) {
-        auto* value = named(new QLabel(fraLoanInfo), name);
+        auto* value = Named(new QLabel(fraLoanInfo), name);
         value->setTextInteractionFlags(Qt::TextSelectableByMouse);
         // Beside its caption, numbers as well as words.
         value->setAlignment(Qt::AlignAbsolute | Qt::AlignRight | Qt::AlignVCenter);
@@ -214,7 +198,7 @@ QWidget* FormHRException::buildLoanInfo() {
 
 // The member's schedule: what was deducted, what is owed, the grid and its exports.
 QWidget* FormHRException::buildBalance() {
-    fraBalance = named(new QGroupBox(T::FrameBalance, this), u"fraBalance"_s);
+    fraBalance = Named(new QGroupBox(T::FrameBalance, this), u"fraBalance"_s);
     auto* layout = new QVBoxLayout(fraBalance);
 
     auto* summary = new QHBoxLayout;
@@ -222,7 +206,7 @@ QWidget* FormHRException::buildBalance() {
                                                  {T::LabelDebt, u"lblDebt"_s},
                                                  {T::LabelLastMonth, u"lblLastMonth"_s}};
     for (const auto& [caption, name] : items) {
-        auto* value = named(new QLabel(fraBalance), name);
+        auto* value = Named(new QLabel(fraBalance), name);
         QFont f = value->font();
         f.setBold(true);
         value->setFont(f);
@@ -233,13 +217,13 @@ QWidget* FormHRException::buildBalance() {
     summary->addStretch(1);
     layout->addLayout(summary);
 
-    lblBalanceProblem = named(new QLabel(fraBalance), u"lblBalanceProblem"_s);
+    lblBalanceProblem = Named(new QLabel(fraBalance), u"lblBalanceProblem"_s);
     lblBalanceProblem->setWordWrap(true);
     lblBalanceProblem->setStyleSheet(u"color: #a01818;"_s);
     lblBalanceProblem->hide();
     layout->addWidget(lblBalanceProblem);
 
-    FlexBalance = named(new FlexGrid(fraBalance), u"FlexBalance"_s);
+    FlexBalance = Named(new FlexGrid(fraBalance), u"FlexBalance"_s);
     FlexBalance->setMinimumHeight(220);
     QStringList format{u"^"_s + T::RowColumn};
     for (const QString& title : schedule::ColumnTitles()) format << u"^"_s + title;
@@ -335,9 +319,9 @@ void FormHRException::ShowFormToEdit(qint32 id) {
     Recordset rs = module_.DtEn().NewRecordset();
     rs.Open(adjustment_sql::AdjustmentById(id));
     if (!rs.EOF_()) {
-        txtID->setText(fieldText(rs.Fields(u"ID"_s)));
+        txtID->setText(FieldText(rs.Fields(u"ID"_s)));
         // The adjustment's own loan, so that saving it again never moves it to another loan.
-        txtPaidID->setText(fieldText(rs.Fields(u"LoanID"_s)));
+        txtPaidID->setText(FieldText(rs.Fields(u"LoanID"_s)));
         fillFromStored(rs);
     }
     rs.Close();
@@ -357,13 +341,13 @@ bool FormHRException::ViewPRSLoansInfo(qint32 loanId) {
     rs.Open(adjustment_sql::LoanHeader(loanId));
     if (rs.EOF_()) return false;
 
-    const QString code = fieldText(rs.Fields(u"CODE"_s));
-    const QString type = fieldText(rs.Fields(u"LoanTypeDesc"_s));
+    const QString code = FieldText(rs.Fields(u"CODE"_s));
+    const QString type = FieldText(rs.Fields(u"LoanTypeDesc"_s));
     setInfo(u"lblLoanCode"_s, code.isEmpty() ? T::TemporaryLoan : code);
     setInfo(u"lblLoanType"_s, type);
     setInfo(u"lblLoanValue"_s, amountField(rs.Fields(u"LoanValue"_s)));
     setInfo(u"lblMonthlyValue"_s, amountField(rs.Fields(u"MonthlyValue"_s)));
-    setInfo(u"lblPayBackNumber"_s, fieldText(rs.Fields(u"PayBackNumber"_s)));
+    setInfo(u"lblPayBackNumber"_s, FieldText(rs.Fields(u"PayBackNumber"_s)));
     const QVariant option = rs.Fields(u"UseRemainedValueInFirstMonth"_s);
     QString optionText;
     if (!option.isNull()) {
@@ -372,8 +356,8 @@ bool FormHRException::ViewPRSLoansInfo(qint32 loanId) {
             o == 1 ? T::RemainderFirst : (o == 2 ? T::RemainderSeparate : T::RemainderLast);
     }
     setInfo(u"lblRemainder"_s, optionText);
-    const QString begin = fieldText(rs.Fields(u"FarsiBeginDate"_s));
-    const QString end = fieldText(rs.Fields(u"FarsiEndDate"_s));
+    const QString begin = FieldText(rs.Fields(u"FarsiBeginDate"_s));
+    const QString end = FieldText(rs.Fields(u"FarsiEndDate"_s));
     setInfo(u"lblBeginDate"_s, begin);
     setInfo(u"lblEndDate"_s, end);
 
@@ -422,9 +406,9 @@ void FormHRException::FillPRSBalance(qint32 employeeId) {
     Recordset rs = module_.DtEn().NewRecordset();
     rs.Open(adjustment_sql::MemberLoanRows(loanId, employeeId));
     if (rs.EOF_()) return showBalanceProblem(T::NotAMember);
-    const QString code = fieldText(rs.Fields(u"EmployeeCode"_s));
+    const QString code = FieldText(rs.Fields(u"EmployeeCode"_s));
     const QString name =
-        rs.HasField(u"EmployeeName"_s) ? fieldText(rs.Fields(u"EmployeeName"_s)) : QString();
+        rs.HasField(u"EmployeeName"_s) ? FieldText(rs.Fields(u"EmployeeName"_s)) : QString();
     memberCaption_ = code.isEmpty() ? name : code + u" - "_s + name;
     rs.Close();
 
@@ -437,8 +421,8 @@ void FormHRException::FillPRSBalance(qint32 employeeId) {
                   monthlyDebit = rows.FieldIndex(u"MonthlyDebit"_s);
         while (rows.Next()) {
             const std::optional<Currency> debit = schedule::AmountOf(rows.Fields(monthlyDebit));
-            adjustments.append({rows.Fields(id).toInt(), fieldText(rows.Fields(begin)),
-                                fieldText(rows.Fields(end)),
+            adjustments.append({rows.Fields(id).toInt(), FieldText(rows.Fields(begin)),
+                                FieldText(rows.Fields(end)),
                                 debit.value_or(Currency::fromRaw(-Currency::Scale))});
         }
     }
@@ -447,7 +431,7 @@ void FormHRException::FillPRSBalance(qint32 employeeId) {
         RowReader rows(module_.DtEn().cnt(), adjustment_sql::MemberPayslips(loanId, employeeId));
         const int month = rows.FieldIndex(u"PayMonth"_s), paid = rows.FieldIndex(u"PaidValue"_s);
         while (rows.Next())
-            payslips.append({fieldText(rows.Fields(month)),
+            payslips.append({FieldText(rows.Fields(month)),
                              schedule::AmountOf(rows.Fields(paid)).value_or(Currency())});
     }
 
@@ -588,8 +572,8 @@ bool FormHRException::saveChecksPass() {
     Recordset rs = module_.DtEn().NewRecordset();
     rs.Open(adjustment_sql::MemberLoanRows(idOf(txtPaidID), gmpEmployee->Value()));
     for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
-        if (!(from >= fieldText(rs.Fields(u"FarsiBeginDate"_s)) &&
-              to <= fieldText(rs.Fields(u"FarsiEndDate"_s)))) {
+        if (!(from >= FieldText(rs.Fields(u"FarsiBeginDate"_s)) &&
+              to <= FieldText(rs.Fields(u"FarsiEndDate"_s)))) {
             warn(T::WarnPeriodOutsideLoan);
             return false;
         }
@@ -725,8 +709,8 @@ void FormHRException::warn(const QString& text) { module_.ShowMessage(WarningTit
 
 void FormHRException::fillFromStored(const Recordset& rs) {
     gmpEmployee->setValue(rs.Fields(u"EmployeeID"_s).toInt());
-    gdcBalancePF->setFarsidate(fieldText(rs.Fields(u"FarsiBeginDate"_s)));
-    gdcBalancePT->setFarsidate(fieldText(rs.Fields(u"FarsiEndDate"_s)));
+    gdcBalancePF->setFarsidate(FieldText(rs.Fields(u"FarsiBeginDate"_s)));
+    gdcBalancePT->setFarsidate(FieldText(rs.Fields(u"FarsiEndDate"_s)));
     // An empty monthly debit is stored as -1 and shown empty again.
     const std::optional<Currency> debit = schedule::AmountOf(rs.Fields(u"MonthlyDebit"_s));
     TxtPerMonth->setText(

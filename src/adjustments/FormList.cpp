@@ -27,16 +27,6 @@ using controls::FlexGrid;
 using controls::VarekDate;
 using controls::VarekSelector;
 
-namespace {
-
-template <class W>
-W* named(W* w, const QString& name) {
-    w->setObjectName(name);
-    return w;
-}
-
-}  // namespace
-
 FormList::FormList(Module& module, QWidget* parent)
     : ModuleWindow(module, parent), module_(module) {
     setObjectName(u"FormList"_s);
@@ -52,12 +42,12 @@ FormList::FormList(Module& module, QWidget* parent)
 void FormList::buildControls() {
     ApplyPersianStyle(this);
     setWindowTitle(T::ListCaption);
-    sltEmployee = named(new VarekSelector(this), u"sltEmployee"_s);
-    datBeginDate = named(new VarekDate(this), u"datBeginDate"_s);
-    datEndDate = named(new VarekDate(this), u"datEndDate"_s);
-    FlexEmployee = named(new FlexGrid(this), u"FlexEmployee"_s);
+    sltEmployee = Named(new VarekSelector(this), u"sltEmployee"_s);
+    datBeginDate = Named(new VarekDate(this), u"datBeginDate"_s);
+    datEndDate = Named(new VarekDate(this), u"datEndDate"_s);
+    FlexEmployee = Named(new FlexGrid(this), u"FlexEmployee"_s);
     auto button = [this](const QString& caption, const QString& name) {
-        auto* b = named(new QPushButton(caption, this), name);
+        auto* b = Named(new QPushButton(caption, this), name);
         b->setAutoDefault(false);
         return b;
     };

@@ -43,28 +43,6 @@ using controls::FlexGrid;
 using controls::VarekCurrency;
 using controls::VarekDate;
 
-namespace {
-
-// A field value as the window shows it: Null is the empty text, numbers in plain decimal.
-QString fieldText(const QVariant& v) {
-    if (v.isNull()) return QString();
-    switch (v.typeId()) {
-        case QMetaType::Double:
-        case QMetaType::Float:
-            return vb::CStr(v.toDouble());
-        default:
-            return v.toString();
-    }
-}
-
-template <class W>
-W* named(W* w, const QString& name) {
-    w->setObjectName(name);
-    return w;
-}
-
-}  // namespace
-
 FormHRLoan::FormHRLoan(Module& module, QWidget* parent)
     : ModuleWindow(module, parent), module_(module) {
     setObjectName(u"FormHRLoan"_s);
@@ -83,7 +61,7 @@ void FormHRLoan::buildControls() {
     ApplyPersianStyle(this);
     setWindowTitle(T::TitleEmpty);
 
-    lblMessage = named(new QLabel(this), u"lblMessage"_s);
+    lblMessage = Named(new QLabel(this), u"lblMessage"_s);
     QFont statusFont = lblMessage->font();
     statusFont.setBold(true);
     lblMessage->setFont(statusFont);
@@ -94,7 +72,7 @@ void FormHRLoan::buildControls() {
     QLayout* commands = buildCommands();
     buildMenu();
 
-    gtpTempDate = named(new VarekDate(this), u"gtpTempDate"_s);
+    gtpTempDate = Named(new VarekDate(this), u"gtpTempDate"_s);
     gtpTempDate->hide();
 
     auto* layout = new QVBoxLayout(this);
@@ -117,44 +95,44 @@ QWidget* FormHRLoan::buildTermsArea() {
         l->setBuddy(buddy);
         return l;
     };
-    txtID = named(new QLineEdit(this), u"txtID"_s);
+    txtID = Named(new QLineEdit(this), u"txtID"_s);
     txtID->setReadOnly(true);
-    txtCode = named(new QLineEdit(this), u"txtCode"_s);
+    txtCode = Named(new QLineEdit(this), u"txtCode"_s);
     txtCode->setReadOnly(true);
     // Numbers start at the right edge, as in the amount boxes.
     for (QLineEdit* number : {txtID, txtCode})
         number->setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
-    cmbLoanType = named(new QComboBox(this), u"cmbLoanType"_s);
+    cmbLoanType = Named(new QComboBox(this), u"cmbLoanType"_s);
     cmbLoanType->setMinimumWidth(180);
-    txtMaxLoanValue = named(new VarekCurrency(this), u"txtMaxLoanValue"_s);
+    txtMaxLoanValue = Named(new VarekCurrency(this), u"txtMaxLoanValue"_s);
     txtMaxLoanValue->setLocked(true);
-    datLoanPayDate = named(new VarekDate(this), u"datLoanPayDate"_s);
-    datBeginDate = named(new VarekDate(this), u"datBeginDate"_s);
-    datEndDate = named(new VarekDate(this), u"datEndDate"_s);
-    txtOriginalValue = named(new VarekCurrency(this), u"txtOriginalValue"_s);
-    txtLoanValue = named(new VarekCurrency(this), u"txtLoanValue"_s);
-    txtPayBackNumber = named(new QLineEdit(this), u"txtPayBackNumber"_s);
+    datLoanPayDate = Named(new VarekDate(this), u"datLoanPayDate"_s);
+    datBeginDate = Named(new VarekDate(this), u"datBeginDate"_s);
+    datEndDate = Named(new VarekDate(this), u"datEndDate"_s);
+    txtOriginalValue = Named(new VarekCurrency(this), u"txtOriginalValue"_s);
+    txtLoanValue = Named(new VarekCurrency(this), u"txtLoanValue"_s);
+    txtPayBackNumber = Named(new QLineEdit(this), u"txtPayBackNumber"_s);
     txtPayBackNumber->setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
-    TxtPerMonth = named(new VarekCurrency(this), u"TxtPerMonth"_s);
-    txtRem = named(new VarekCurrency(this), u"txtRem"_s);
+    TxtPerMonth = Named(new VarekCurrency(this), u"TxtPerMonth"_s);
+    txtRem = Named(new VarekCurrency(this), u"txtRem"_s);
     txtRem->setLocked(true);
-    txtNotes = named(new QLineEdit(this), u"txtNotes"_s);
-    chkISValid = named(new QCheckBox(T::CaptionIsValid, this), u"chkISValid"_s);
+    txtNotes = Named(new QLineEdit(this), u"txtNotes"_s);
+    chkISValid = Named(new QCheckBox(T::CaptionIsValid, this), u"chkISValid"_s);
 
     UseRemainedValueInFirstMonth =
-        named(new QLabel(T::LabelRemainderOptions, this), u"UseRemainedValueInFirstMonth"_s);
+        Named(new QLabel(T::LabelRemainderOptions, this), u"UseRemainedValueInFirstMonth"_s);
     UseRemainedValueInFirstMonthF =
-        named(new QRadioButton(T::OptionFirstMonth, this), u"UseRemainedValueInFirstMonthF"_s);
+        Named(new QRadioButton(T::OptionFirstMonth, this), u"UseRemainedValueInFirstMonthF"_s);
     UseRemainedValueInFirstMonthL =
-        named(new QRadioButton(T::OptionLastMonth, this), u"UseRemainedValueInFirstMonthL"_s);
-    UseRemainedValueInSeparatedLastMonth = named(new QRadioButton(T::OptionSeparateMonth, this),
+        Named(new QRadioButton(T::OptionLastMonth, this), u"UseRemainedValueInFirstMonthL"_s);
+    UseRemainedValueInSeparatedLastMonth = Named(new QRadioButton(T::OptionSeparateMonth, this),
                                                  u"UseRemainedValueInSeparatedLastMonth"_s);
     remainderGroup_ = new QButtonGroup(this);
     remainderGroup_->addButton(UseRemainedValueInFirstMonthF);
     remainderGroup_->addButton(UseRemainedValueInFirstMonthL);
     remainderGroup_->addButton(UseRemainedValueInSeparatedLastMonth);
 
-    Frame1 = named(new QGroupBox(this), u"Frame1"_s);
+    Frame1 = Named(new QGroupBox(this), u"Frame1"_s);
     auto* fields = new QGridLayout(Frame1);
     fields->setHorizontalSpacing(8);
     int row = 0;
@@ -194,7 +172,7 @@ QWidget* FormHRLoan::buildTermsArea() {
 
 namespace {
 QPushButton* commandButton(QWidget* parent, const QString& caption, const QString& name) {
-    auto* b = named(new QPushButton(caption, parent), name);
+    auto* b = Named(new QPushButton(caption, parent), name);
     b->setAutoDefault(false);
     return b;
 }
@@ -202,7 +180,7 @@ QPushButton* commandButton(QWidget* parent, const QString& caption, const QStrin
 
 // The member grid with the buttons that work on it.
 QWidget* FormHRLoan::buildMembersArea() {
-    FlexEmployee = named(new FlexGrid(this), u"FlexEmployee"_s);
+    FlexEmployee = Named(new FlexGrid(this), u"FlexEmployee"_s);
     FlexEmployee->setMinimumHeight(180);
     cmdBalance = commandButton(this, T::CaptionBalance, u"cmdBalance"_s);
     cmdAddEmp = commandButton(this, T::CaptionAddEmp, u"cmdAddEmp"_s);
@@ -249,7 +227,7 @@ QLayout* FormHRLoan::buildCommands() {
 
 // The pop-up menu of PushButton1; each item forwards to its button.
 void FormHRLoan::buildMenu() {
-    mnuTool = named(new QMenu(this), u"mnuTool"_s);
+    mnuTool = Named(new QMenu(this), u"mnuTool"_s);
     auto item = [this](const QString& caption, const QString& name) {
         auto* a = mnuTool->addAction(caption);
         a->setObjectName(name);
@@ -356,22 +334,22 @@ void FormHRLoan::FillLoan(qint32 loanId) {
     rs.Open(loan_sql::FillLoan(loanId));
     if (rs.RecordCount() > 0) {
         rs.MoveFirst();
-        txtID->setText(fieldText(rs.Fields(u"ID"_s)));
+        txtID->setText(FieldText(rs.Fields(u"ID"_s)));
         const QVariant typeId = rs.Fields(u"TypeID"_s);
         for (int i = 0; i < cmbLoanType->count(); ++i)
             if (!typeId.isNull() && cmbLoanType->itemData(i).toLongLong() == typeId.toLongLong())
                 cmbLoanType->setCurrentIndex(i);
-        txtLoanValue->setText(fieldText(rs.Fields(u"LoanValue"_s)));
-        txtOriginalValue->setText(fieldText(rs.Fields(u"OriginalLoanValue"_s)));
-        txtCode->setText(fieldText(rs.Fields(u"CODE"_s)));
-        datLoanPayDate->setFarsidate(fieldText(rs.Fields(u"FarsiPaymentDate"_s)));
+        txtLoanValue->setText(FieldText(rs.Fields(u"LoanValue"_s)));
+        txtOriginalValue->setText(FieldText(rs.Fields(u"OriginalLoanValue"_s)));
+        txtCode->setText(FieldText(rs.Fields(u"CODE"_s)));
+        datLoanPayDate->setFarsidate(FieldText(rs.Fields(u"FarsiPaymentDate"_s)));
         datBeginDate->setFarsidate(
-            rs.IsNull(u"BeginDate"_s) ? QString() : fieldText(rs.Fields(u"FarsiBeginDate"_s)));
+            rs.IsNull(u"BeginDate"_s) ? QString() : FieldText(rs.Fields(u"FarsiBeginDate"_s)));
         datEndDate->setFarsidate(rs.IsNull(u"EndDate"_s) ? QString()
-                                                         : fieldText(rs.Fields(u"FarsiEndDate"_s)));
-        txtNotes->setText(fieldText(rs.Fields(u"notes"_s)));
-        TxtPerMonth->setText(fieldText(rs.Fields(u"MonthlyValue"_s)));
-        txtPayBackNumber->setText(fieldText(rs.Fields(u"PayBackNumber"_s)));
+                                                         : FieldText(rs.Fields(u"FarsiEndDate"_s)));
+        txtNotes->setText(FieldText(rs.Fields(u"notes"_s)));
+        TxtPerMonth->setText(FieldText(rs.Fields(u"MonthlyValue"_s)));
+        txtPayBackNumber->setText(FieldText(rs.Fields(u"PayBackNumber"_s)));
         txtRem->setText(loan::txtRemOnLoad(rs.Fields(u"LoanValue"_s), rs.Fields(u"MonthlyValue"_s),
                                            rs.Fields(u"PayBackNumber"_s)));
         setRemainderOption(rs.Fields(u"UseRemainedValueInFirstMonth"_s));
@@ -465,7 +443,7 @@ void FormHRLoan::cmdAddEmp_Click() {
         Recordset guarantor = module_.DtEn().NewRecordset();
         guarantor.Open(loan_sql::EmployeeRow(dialect, g.ids[i]));
         if (guarantor.RecordCount() > 0)
-            g.names[i] = fieldText(guarantor.Fields(u"EmployeeName"_s));
+            g.names[i] = FieldText(guarantor.Fields(u"EmployeeName"_s));
     }
     FlexEmployee->AddItem();
     const int r = FlexEmployee->Rows() - 1;

@@ -4,6 +4,7 @@
 
 #include "base/Errors.h"
 #include "session/DataEnvironment.h"
+#include "session/TextProcs.h"
 #include "session/Vb.h"
 
 using namespace Qt::StringLiterals;
@@ -12,18 +13,11 @@ namespace kav::members {
 
 namespace {
 
-// A field as the grid shows it: Null is the empty text, numbers in plain decimal.
-QString cellText(const QVariant& v) {
-    if (v.isNull()) return QString();
-    if (v.typeId() == QMetaType::Double || v.typeId() == QMetaType::Float)
-        return vb::CStr(v.toDouble());
-    return v.toString();
-}
 
 QStringList row(int rowNumber, const QVariant& id, const QVariant& code, const QString& name) {
     QStringList cells;
     cells.reserve(GridColumns);
-    cells << QString::number(rowNumber) << cellText(id) << cellText(code) << name;
+    cells << QString::number(rowNumber) << FieldText(id) << FieldText(code) << name;
     return cells;
 }
 
@@ -32,7 +26,7 @@ QStringList row(int rowNumber, const QVariant& id, const QVariant& code, const Q
 QString NullCell() { return u"null"_s; }
 
 QString GuarantorCell(const QVariant& id) {
-    const QString text = cellText(id);
+    const QString text = FieldText(id);
     return text.isEmpty() ? NullCell() : text;
 }
 
@@ -69,7 +63,7 @@ const std::array<QByteArrayView, GridColumns>& LoadedRows::Cells(RowReader& rs, 
 
 QStringList PickedRow(const Recordset& employee, const Guarantors& guarantors, int rowNumber) {
     QStringList cells = row(rowNumber, employee.Fields(u"ID"_s), employee.Fields(u"Code"_s),
-                            cellText(employee.Fields(u"EmployeeName"_s)));
+                            FieldText(employee.Fields(u"EmployeeName"_s)));
     for (const QString& name : guarantors.names) cells << name;
     for (const qint32 id : guarantors.ids) cells << GuarantorCell(id);
     return cells;
@@ -77,7 +71,7 @@ QStringList PickedRow(const Recordset& employee, const Guarantors& guarantors, i
 
 QStringList OrdinanceRow(const Recordset& rs, int rowNumber) {
     QStringList cells = row(rowNumber, rs.Fields(u"EmployeeID"_s), rs.Fields(u"Code"_s),
-                            cellText(rs.Fields(u"EmployeeName"_s)));
+                            FieldText(rs.Fields(u"EmployeeName"_s)));
     cells << QString() << QString() << QString() << NullCell() << NullCell() << NullCell();
     return cells;
 }

@@ -40,11 +40,6 @@ using controls::VarekSelector;
 
 namespace {
 
-template <class W>
-W* named(W* w, const QString& name) {
-    w->setObjectName(name);
-    return w;
-}
 
 QString defaultSaveFileName(QWidget* parent, const QString& suggested) {
     return QFileDialog::getSaveFileName(parent, T::ExportDialogTitle, suggested, T::ExportFilter);
@@ -75,14 +70,14 @@ void FormSearch::buildControls() {
         return l;
     };
     auto amountBox = [this](const QString& name) {
-        auto* box = named(new QLineEdit(this), name);
+        auto* box = Named(new QLineEdit(this), name);
         box->setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
         box->setMinimumWidth(130);
         return box;
     };
-    auto dateBox = [this](const QString& name) { return named(new VarekDate(this), name); };
+    auto dateBox = [this](const QString& name) { return Named(new VarekDate(this), name); };
 
-    cmbLoanType = named(new QComboBox(this), u"cmbLoanType"_s);
+    cmbLoanType = Named(new QComboBox(this), u"cmbLoanType"_s);
     txtLoanValueF = amountBox(u"txtLoanValueF"_s);
     txtLoanValueTo = amountBox(u"txtLoanValueTo"_s);
     TxtPerMonthF = amountBox(u"TxtPerMonthF"_s);
@@ -93,15 +88,15 @@ void FormSearch::buildControls() {
     datBeginDateTo = dateBox(u"datBeginDateTo"_s);
     datEndDatef = dateBox(u"datEndDatef"_s);
     datEndDateTo = dateBox(u"datEndDateTo"_s);
-    sltEmployee = named(new VarekSelector(this), u"sltEmployee"_s);
-    sltSupporter = named(new VarekSelector(this), u"sltSupporter"_s);
-    txtNotes = named(new QLineEdit(this), u"txtNotes"_s);
-    chkTempSave = named(new QCheckBox(T::CaptionTempSave, this), u"chkTempSave"_s);
-    chkFinalSave = named(new QCheckBox(T::CaptionFinalSave, this), u"chkFinalSave"_s);
+    sltEmployee = Named(new VarekSelector(this), u"sltEmployee"_s);
+    sltSupporter = Named(new VarekSelector(this), u"sltSupporter"_s);
+    txtNotes = Named(new QLineEdit(this), u"txtNotes"_s);
+    chkTempSave = Named(new QCheckBox(T::CaptionTempSave, this), u"chkTempSave"_s);
+    chkFinalSave = Named(new QCheckBox(T::CaptionFinalSave, this), u"chkFinalSave"_s);
 
     // The criteria: amounts and dates as from/to pairs on the right, the people, the notes
     // and the status on the left. The block stays centred as the window grows.
-    auto* criteria = named(new QGroupBox(this), u"Frame1"_s);
+    auto* criteria = Named(new QGroupBox(this), u"Frame1"_s);
     auto* grid = new QGridLayout(criteria);
     grid->setHorizontalSpacing(6);
     grid->setVerticalSpacing(6);
@@ -135,7 +130,7 @@ void FormSearch::buildControls() {
     sltEmployee->setMinimumWidth(300);
 
     auto button = [this](const QString& caption, const QString& name) {
-        auto* b = named(new QPushButton(caption, this), name);
+        auto* b = Named(new QPushButton(caption, this), name);
         b->setAutoDefault(false);
         b->setMinimumWidth(110);
         return b;
@@ -149,9 +144,9 @@ void FormSearch::buildControls() {
     commands->addStretch(1);
     commands->addWidget(cmdExit);
 
-    Flexsearchresult = named(new FlexGrid(this), u"Flexsearchresult"_s);
+    Flexsearchresult = Named(new FlexGrid(this), u"Flexsearchresult"_s);
     Flexsearchresult->setMinimumHeight(200);
-    lblStatus = named(new QLabel(this), u"lblStatus"_s);
+    lblStatus = Named(new QLabel(this), u"lblStatus"_s);
 
     auto* centred = new QHBoxLayout;
     centred->addStretch(1);

@@ -18,6 +18,13 @@ QString LatinDigits(const QString& text) {
     return out;
 }
 
+QString FieldText(const QVariant& v) {
+    if (v.isNull()) return QString();
+    if (v.typeId() == QMetaType::Double || v.typeId() == QMetaType::Float)
+        return vb::CStr(v.toDouble());
+    return v.toString();
+}
+
 QString SqlQuote(const QString& text) {
     QString out;
     out.reserve(text.size());

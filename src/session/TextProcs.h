@@ -13,6 +13,10 @@ namespace kav {
 // other character is kept. Every box where a number or a date is typed reads through it.
 QString LatinDigits(const QString& text);
 
+// A database field as a window shows it: Null is the empty text, a floating-point number its
+// plain decimal text (CStr), anything else its text.
+QString FieldText(const QVariant& value);
+
 // Doubles every apostrophe so the text can stand between single quotes in SQL.
 QString SqlQuote(const QString& text);
 

@@ -117,6 +117,13 @@ int ShowShared(Module& module) {
     return result;
 }
 
+// Gives a control the object name the window's mode table and tests find it by.
+template <class W>
+W* Named(W* widget, const QString& name) {
+    widget->setObjectName(name);
+    return widget;
+}
+
 // ---- Keys and focus ----
 
 // The classic key code of a key (KeyDown): letters and digits their capital's code, 8

@@ -49,11 +49,14 @@ TEST_F(AdjustmentTest, ModeTableAndCaptions) {
             ASSERT_NE(control, nullptr) << c.control;
             const bool want = c.byMode[std::size_t(mode)];
             SCOPED_TRACE(std::string(c.control) + " mode " + std::to_string(mode));
-            if (c.what == Enabled) EXPECT_EQ(control->isEnabled(), want);
-            if (c.what == Locked) EXPECT_EQ(control->property("locked").toBool(), want);
-            if (c.what == Locked) EXPECT_TRUE(control->isEnabled());  // locked, never greyed
-            if (c.what == ReadOnly)
-                EXPECT_EQ(qobject_cast<QLineEdit*>(control)->isReadOnly(), want);
+            switch (c.what) {
+            case Enabled: EXPECT_EQ(control->isEnabled(), want); break;
+            case Locked:
+                EXPECT_EQ(control->property("locked").toBool(), want);
+                EXPECT_TRUE(control->isEnabled());  // locked, never greyed
+                break;
+            case ReadOnly: EXPECT_EQ(qobject_cast<QLineEdit*>(control)->isReadOnly(), want); break;
+            }
         }
     }
     EXPECT_EQ(w.windowTitle(), u"تعديل وام"_s);

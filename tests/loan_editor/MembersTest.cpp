@@ -221,7 +221,9 @@ TEST_F(MembersTest, OrdinanceEmployeesOfThePeriodWhoAreNotYetMembers) {
     for (int r = 1; r < w.FlexEmployee->Rows(); ++r) {
         const QStringList cells = row(r);
         EXPECT_EQ(cells.mid(4), (QStringList{{}, {}, {}, u"null"_s, u"null"_s, u"null"_s}));
-        if (cells[1] == u"3") EXPECT_EQ(cells.mid(2, 2), (QStringList{u"1003"_s, u"حسن کريمي"_s}));
+        if (cells[1] == u"3") {
+            EXPECT_EQ(cells.mid(2, 2), (QStringList{u"1003"_s, u"حسن کريمي"_s}));
+        }
     }
 
     // Without dates the period runs from 1900-01-01 to 2050-01-01.

@@ -62,8 +62,9 @@ void checkValuesOfEveryKind(Module& module) {
     for (int c = 0; c < 5; ++c) {
         EXPECT_EQ(rs.Fields(c), expected[c]) << c;
         // ODBC drivers choose their own integer widths; the embedded path is Qt SQL's.
-        if (module.DtEn().cnt().RunsOnSqlite())
+        if (module.DtEn().cnt().RunsOnSqlite()) {
             EXPECT_EQ(rs.Fields(c).typeId(), expected[c].typeId()) << c;
+        }
         EXPECT_FALSE(rs.IsNull(c)) << c;
     }
     EXPECT_TRUE(rs.IsNull(5));

@@ -1,14 +1,15 @@
 #include "TestDatabase.h"
 
-#include "data/DemoData.h"
-#include "data/EmbeddedSchema.h"
+#include <gtest/gtest.h>
 
 #include <QDialog>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QUuid>
-#include <gtest/gtest.h>
+
+#include "data/DemoData.h"
+#include "data/EmbeddedSchema.h"
 
 using namespace Qt::StringLiterals;
 
@@ -73,6 +74,19 @@ QVariant TestDatabase::scalar(const QString& sql) const {
         return {};
     }
     return q.next() ? q.value(0) : QVariant();
+}
+
+QStringList TestDatabase::table(const QString& sql) const {
+    QStringList out;
+    QSqlQuery q(db_);
+    if (!q.exec(sql)) reportFailure(sql, q);
+    while (q.next()) {
+        QStringList cells;
+        for (int i = 0; i < q.record().count(); ++i)
+            cells << (q.isNull(i) ? u"NULL"_s : q.value(i).toString());
+        out << cells.join(u'|');
+    }
+    return out;
 }
 
 TestModule::TestModule() {

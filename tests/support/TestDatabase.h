@@ -5,13 +5,13 @@
 // rows. A failing statement fails the test and names the statement. TestModule adds a
 // module whose session points at it, with scripted messages and no modal waits.
 
-#include "ScriptedMessages.h"
-#include "session/Module.h"
-
 #include <QSqlDatabase>
 #include <QTemporaryDir>
 #include <QVariantMap>
 #include <memory>
+
+#include "ScriptedMessages.h"
+#include "session/Module.h"
 
 namespace kav::test {
 
@@ -33,6 +33,8 @@ public:
     QList<Row> rows(const QString& sql) const;
     // The first column of the first row, or a null QVariant.
     QVariant scalar(const QString& sql) const;
+    // Each row as its values joined by '|' in column order, Null written as NULL.
+    QStringList table(const QString& sql) const;
 
 private:
     QTemporaryDir dir_;

@@ -1,5 +1,7 @@
 #include "TsqlCheck.h"
 
+#include <gtest/gtest.h>
+
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -7,8 +9,6 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
-
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -73,8 +73,10 @@ public:
                         r.output.toUtf8().constData(), static_cast<long long>(texts.size()));
             return;
         }
-        if (!r.passed) ADD_FAILURE() << "SQL Server texts that do not parse:\n" << r.output.toStdString();
-        else std::printf("T-SQL syntax check: %s", r.output.toUtf8().constData());
+        if (!r.passed)
+            ADD_FAILURE() << "SQL Server texts that do not parse:\n" << r.output.toStdString();
+        else
+            std::printf("T-SQL syntax check: %s", r.output.toUtf8().constData());
     }
 };
 

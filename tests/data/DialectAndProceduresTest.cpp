@@ -1,93 +1,79 @@
 #include <gtest/gtest.h>
 
 #include <QDateTime>
-#include <QSqlError>
 
-#include "DataTestSupport.h"
 #include "base/Errors.h"
 #include "data/Procedures.h"
 #include "data/SqlDialect.h"
 #include "support/Raises.h"
+#include "support/TestDatabase.h"
 #include "support/TsqlCheck.h"
 
 using namespace Qt::StringLiterals;
 using kav::KavError;
+using kav::test::CheckedTsql;
+using kav::test::RaisedKind;
 using namespace kav::data;
-using kav::data::test::ScratchDb;
+using ScratchDb = kav::test::TestDatabase;
 
 namespace {
 
 const SqlDialect kServer(DatabaseKind::SqlServer);
 const SqlDialect kLite(DatabaseKind::SQLite);
 
-TEST(SqlDialect, WritesDateLiteralsEachDatabaseReadsTheSameEverywhere) {
+// The SQLite texts run on the embedded database.
+TEST(SqlDialect, DiffersOnlyWhereSqliteCannotRunTheTsql) {
     const QDate d(2024, 3, 20);
-    EXPECT_EQ(kServer.dateText(d), u"20240320"_s);
-    EXPECT_EQ(kLite.dateText(d), u"2024-03-20"_s);
-    EXPECT_EQ(kServer.dateText(QDate()), u"19000101"_s);
-    EXPECT_EQ(kLite.dateText(QDate()), u"1900-01-01"_s);
+    EXPECT_EQ(kServer.dateText(d) + u' ' + kLite.dateText(d), u"20240320 2024-03-20"_s);
+    EXPECT_EQ(kServer.dateText({}) + u' ' + kLite.dateText({}), u"19000101 1900-01-01"_s);
     EXPECT_EQ(kLite.dateText(QDate(987, 1, 2)), u"0987-01-02"_s);
+    EXPECT_EQ(kServer.deleteFrom(u"tblHRLoan"_s) + u'/' + kLite.deleteFrom(u"tblHRLoan"_s),
+              u"delete tblHRLoan/delete from tblHRLoan"_s);
+    EXPECT_EQ(kServer.concatOperator() + kServer.isNullFunction(), u"+IsNull"_s);
+    EXPECT_EQ(kLite.concatOperator() + kLite.isNullFunction(), u"||IfNull"_s);
+
+    ScratchDb s;
+    s.exec(u"insert into tblHRLoan (ID, BeginDate) values (1, '"_s + kLite.dateText(d) + u"')"_s);
+    EXPECT_EQ(s.scalar(u"select count(*) from tblHRLoan where BeginDate > '"_s +
+                       kLite.dateText(QDate(2024, 3, 19)) + u"'"_s)
+                  .toInt(),
+              1);
+    EXPECT_EQ(s.scalar(u"select ("_s + kLite.isNullFunction() + u"(max(Code), 0) + 1) || 'a' "_s +
+                       kLite.concatOperator() + u" 'b' from tblHRLoan"_s)
+                  .toString(),
+              u"1ab"_s);
+    s.exec(kLite.deleteFrom(u"tblHRLoan"_s) + u" where ID=1"_s);
+    EXPECT_EQ(s.scalar(u"select count(*) from tblHRLoan"_s).toInt(), 0);
 }
 
 TEST(SqlDialect, ReadsDatesBackFromEveryDriverShape) {
     const QDate d(2024, 3, 20);
-    EXPECT_EQ(SqlDialect::readDate(QVariant(d)), d);
-    EXPECT_EQ(SqlDialect::readDate(QVariant(QDateTime(d, QTime(13, 5)))), d);  // ODBC datetime
-    EXPECT_EQ(SqlDialect::readDate(u"2024-03-20"_s), d);
-    EXPECT_EQ(SqlDialect::readDate(u"2024-03-20 00:00:00.000"_s), d);
-    EXPECT_EQ(SqlDialect::readDate(u"2024-03-20T00:00:00"_s), d);
-    EXPECT_EQ(SqlDialect::readDate(u"20240320"_s), d);
-    EXPECT_FALSE(SqlDialect::readDate(QVariant()).isValid());
-    EXPECT_FALSE(SqlDialect::readDate(u""_s).isValid());
-    // A Persian date text is not a Gregorian date.
-    EXPECT_FALSE(SqlDialect::readDate(u"1403/01/01"_s).isValid());
-}
-
-TEST(SqlDialect, DiffersOnlyWhereSqliteCannotRunTheTsql) {
-    EXPECT_EQ(kServer.deleteFrom(u"tblHRLoan"_s) + u" where ID=5"_s,
-              u"delete tblHRLoan where ID=5"_s);
-    EXPECT_EQ(kLite.deleteFrom(u"tblHRLoan"_s) + u" where ID=5"_s,
-              u"delete from tblHRLoan where ID=5"_s);
-    EXPECT_EQ(kServer.concatOperator(), u"+"_s);
-    EXPECT_EQ(kLite.concatOperator(), u"||"_s);
-    EXPECT_EQ(kServer.isNullFunction(), u"IsNull"_s);
-    EXPECT_EQ(kLite.isNullFunction(), u"IfNull"_s);
+    for (const QVariant& v : {QVariant(d), QVariant(QDateTime(d, QTime(13, 5))),
+                              QVariant(u"2024-03-20"_s), QVariant(u"2024-03-20 00:00:00.000"_s),
+                              QVariant(u"2024-03-20T00:00:00"_s), QVariant(u"20240320"_s)})
+        EXPECT_EQ(SqlDialect::readDate(v), d) << v.toString().toStdString();
+    // Nothing, and a Persian date text, are no Gregorian date.
+    for (const QVariant& v : {QVariant(), QVariant(u""_s), QVariant(u"1403/01/01"_s)})
+        EXPECT_FALSE(SqlDialect::readDate(v).isValid()) << v.toString().toStdString();
 }
 
 // A write is serialised among clients: an explicit transaction, then an application lock
 // owned by it whose return code comes back as the one row of the text.
 TEST(SqlDialect, SerialisedTransactionTexts) {
-    EXPECT_EQ(kav::test::CheckedTsql(kServer.beginSerialised(u"KAVHRLoan"_s)),
+    EXPECT_EQ(CheckedTsql(kServer.beginSerialised(u"KAVHRLoan"_s)),
               u"SET NOCOUNT ON; BEGIN TRANSACTION; DECLARE @LockResult int; EXEC @LockResult = "
               u"sp_getapplock @Resource = N'KAVHRLoan', @LockMode = 'Exclusive', @LockOwner = "
               u"'Transaction', @LockTimeout = 5000; SELECT @LockResult AS LockResult"_s);
-    EXPECT_TRUE(kav::test::CheckedTsql(kServer.beginSerialised(u"O'Loan"_s))
-                    .contains(u"@Resource = N'O''Loan'"_s));
-    EXPECT_EQ(kav::test::CheckedTsql(kServer.commitTransaction()), u"COMMIT TRANSACTION"_s);
-    EXPECT_EQ(kav::test::CheckedTsql(kServer.rollbackTransaction()),
+    EXPECT_TRUE(
+        CheckedTsql(kServer.beginSerialised(u"O'Loan"_s)).contains(u"@Resource = N'O''Loan'"_s));
+    EXPECT_EQ(CheckedTsql(kServer.commitTransaction()), u"COMMIT TRANSACTION"_s);
+    EXPECT_EQ(CheckedTsql(kServer.rollbackTransaction()),
               u"IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION"_s);
     EXPECT_TRUE(kServer.beginReturnsLockResult());
     EXPECT_EQ(kLite.beginSerialised(u"KAVHRLoan"_s), u"BEGIN IMMEDIATE"_s);
     EXPECT_EQ(kLite.commitTransaction(), u"COMMIT"_s);
     EXPECT_EQ(kLite.rollbackTransaction(), u"ROLLBACK"_s);
     EXPECT_FALSE(kLite.beginReturnsLockResult());
-}
-
-TEST(SqlDialect, SqliteTextsRunOnTheEmbeddedDatabase) {
-    ScratchDb s;
-    s.exec(u"insert into tblHRLoan (ID, BeginDate) values (1, '"_s +
-           kLite.dateText(QDate(2024, 3, 20)) + u"')"_s);
-    EXPECT_EQ(s.scalar(u"select count(*) from tblHRLoan where BeginDate > '"_s +
-                       kLite.dateText(QDate(2024, 3, 19)) + u"'"_s)
-                  .toInt(),
-              1);
-    EXPECT_EQ(
-        s.scalar(u"select "_s + kLite.isNullFunction() + u"(max(Code), 0) + 1 from tblHRLoan"_s)
-            .toInt(),
-        1);
-    EXPECT_EQ(s.scalar(u"select 'a' "_s + kLite.concatOperator() + u" 'b'"_s).toString(), u"ab"_s);
-    s.exec(kLite.deleteFrom(u"tblHRLoan"_s) + u" where ID=1"_s);
-    EXPECT_EQ(s.scalar(u"select count(*) from tblHRLoan"_s).toInt(), 0);
 }
 
 TEST(Procedures, AreDeclaredWithTheirParametersInCallingOrder) {
@@ -107,200 +93,73 @@ TEST(Procedures, AreDeclaredWithTheirParametersInCallingOrder) {
               u"{? = CALL dbo.spHRLoanExceptionNew( ?, ?, ?, ?, ?, ?, ?) }"_s);
 }
 
-TEST(Procedures, PermissionIsGrantedOnlyForAnExistingRow) {
+class Emulated : public ::testing::Test {
+protected:
+    int run(const QString& procedure, const QVariantList& params) {
+        return RunEmulatedProcedure(s.db(), procedure, params);
+    }
+    int insert(const QVariantList& params) { return run(u"spHRLoanExceptionNew"_s, params); }
+    QStringList row(int id) {
+        return s.table(
+            u"select LoanID, EmployeeID, MonthlyDebit, BeginDate, FarsiBeginDate, "
+            u"EndDate, FarsiEndDate from tblHRLoanException where ID=%1"_s.arg(id));
+    }
     ScratchDb s;
-    s.exec({u"insert into tblVarekUserPermission (UserID, FormPermissionID) values (1, 111801)"_s,
-            u"insert into tblVarekUserPermission (UserID, FormPermissionID) values (2, 111803)"_s});
-    auto has = [&](int user, int permission) {
-        return RunEmulatedProcedure(s.db(), u"spVarekHasPermission"_s, {user, permission});
+    const QDate day{2024, 3, 20};
+};
+
+// Each value is taken as SQL Server takes it for the parameter's type: what SQL Server
+// refuses is refused, and Null is stored where the suite's procedures store it.
+TEST_F(Emulated, ParametersConvertAsOnSqlServer) {
+    using Kind = KavError::Kind;
+    const QVariant null;
+    struct Bad {
+        QVariantList params;
+        Kind kind;
     };
-    EXPECT_EQ(has(1, 111801), 1);
-    EXPECT_EQ(has(1, 111802), 0);  // another permission of the same user
-    EXPECT_EQ(has(2, 111801), 0);  // the same permission of another user
-    EXPECT_EQ(has(2, 111803), 1);
-    EXPECT_EQ(has(3, 111801), 0);
-    // The procedure name may carry its schema and any case, as on SQL Server.
-    EXPECT_EQ(RunEmulatedProcedure(s.db(), u"dbo.SPVAREKHASPERMISSION"_s, {1, 111801}), 1);
-}
-
-TEST(Procedures, NewAdjustmentWritesEveryColumnAndReturnsIncreasingIds) {
-    ScratchDb s;
-    const QVariantList first{
-        7, 12, 1500000.0, QDate(2024, 3, 20), u"1403/01/01"_s, QDate(2024, 6, 20), u"1403/03/31"_s};
-    const int id1 = RunEmulatedProcedure(s.db(), u"spHRLoanExceptionNew"_s, first);
-    const int id2 = RunEmulatedProcedure(s.db(), u"spHRLoanExceptionNew"_s,
-                                         {7, 13, -1.0, QDate(), u""_s, QDate(), u""_s});
-    EXPECT_GT(id1, 0);
-    EXPECT_GT(id2, id1);
-    // Empty dates are stored as 1900-01-01 with an empty (not Null) Persian text.
-    EXPECT_EQ(s.scalar(u"select count(*) from tblHRLoanException where BeginDate='1900-01-01' and "
-                       u"FarsiBeginDate='' and EndDate='1900-01-01' and FarsiEndDate='' and "
-                       u"MonthlyDebit=-1 and ID="_s +
-                       QString::number(id2))
-                  .toInt(),
-              1);
-    // A deleted last row's key is not handed out again.
-    s.exec(u"delete from tblHRLoanException where ID="_s + QString::number(id2));
-    const int id3 = RunEmulatedProcedure(s.db(), u"spHRLoanExceptionNew"_s, first);
-    EXPECT_GT(id3, id2);
-
-    const auto rows =
-        s.rows(u"select * from tblHRLoanException where ID="_s + QString::number(id1));
-    ASSERT_EQ(rows.size(), 1);
-    const auto& r = rows[0];
-    EXPECT_EQ(r[u"loanid"_s].toInt(), 7);
-    EXPECT_EQ(r[u"employeeid"_s].toInt(), 12);
-    EXPECT_EQ(r[u"monthlydebit"_s].toDouble(), 1500000.0);
-    EXPECT_EQ(r[u"begindate"_s].toString(), u"2024-03-20"_s);
-    EXPECT_EQ(r[u"farsibegindate"_s].toString(), u"1403/01/01"_s);
-    EXPECT_EQ(r[u"enddate"_s].toString(), u"2024-06-20"_s);
-    EXPECT_EQ(r[u"farsienddate"_s].toString(), u"1403/03/31"_s);
-}
-
-TEST(Procedures, UpdateRewritesTheRowByIdAndReturnsZero) {
-    ScratchDb s;
-    const int id = RunEmulatedProcedure(
-        s.db(), u"spHRLoanExceptionNew"_s,
-        {7, 12, 100.0, QDate(2024, 3, 20), u"1403/01/01"_s, QDate(2024, 6, 20), u"1403/03/31"_s});
-    const int other = RunEmulatedProcedure(
-        s.db(), u"spHRLoanExceptionNew"_s,
-        {7, 12, 100.0, QDate(2024, 3, 20), u"1403/01/01"_s, QDate(2024, 6, 20), u"1403/03/31"_s});
-    EXPECT_EQ(RunEmulatedProcedure(
-                  s.db(), u"spHRLoanExceptionUpdate"_s,
-                  {id, 8, 14, QDate(2024, 4, 20), u"1403/02/01"_s, QDate(), u""_s, 2500.5}),
-              0);
-    const auto r = s.rows(u"select * from tblHRLoanException where ID="_s + QString::number(id))[0];
-    EXPECT_EQ(r[u"loanid"_s].toInt(), 8);
-    EXPECT_EQ(r[u"employeeid"_s].toInt(), 14);
-    EXPECT_EQ(r[u"begindate"_s].toString(), u"2024-04-20"_s);
-    EXPECT_EQ(r[u"farsibegindate"_s].toString(), u"1403/02/01"_s);
-    EXPECT_EQ(r[u"enddate"_s].toString(), u"1900-01-01"_s);
-    EXPECT_EQ(r[u"farsienddate"_s].toString(), u""_s);
-    EXPECT_DOUBLE_EQ(r[u"monthlydebit"_s].toDouble(), 2500.5);
-    // The other row is untouched.
-    EXPECT_EQ(s.scalar(u"select MonthlyDebit from tblHRLoanException where ID="_s +
-                       QString::number(other))
-                  .toDouble(),
-              100.0);
-}
-
-// The emulation takes each value as SQL Server takes it for the parameter's type: it
-// refuses what SQL Server refuses and stores Null where the suite's procedures do.
-TEST(Procedures, ParametersConvertAsOnSqlServer) {
-    ScratchDb s;
-    auto insert = [&](const QVariantList& p) {
-        return RunEmulatedProcedure(s.db(), u"spHRLoanExceptionNew"_s, p);
+    const Bad refused[] = {
+        {{1, 1, 5.0, u"abc"_s, u""_s, day, u""_s}, Kind::TypeMismatch},
+        {{1, 1, 5.0, u"1403/01/01"_s, u""_s, day, u""_s}, Kind::TypeMismatch},
+        {{1, 1, 5.0, 7, u""_s, day, u""_s}, Kind::TypeMismatch},
+        {{1, 1, u"12x"_s, day, u""_s, day, u""_s}, Kind::TypeMismatch},
+        {{u"1.5"_s, 1, 5.0, day, u""_s, day, u""_s}, Kind::TypeMismatch},
+        {{1, 1, 1e16, day, u""_s, day, u""_s}, Kind::Overflow},
+        {{null, 1, 5.0, day, u""_s, day, u""_s}, Kind::Database},  // the table refuses it
     };
-    auto row = [&](int id) {
-        return s.rows(u"select * from tblHRLoanException where ID="_s + QString::number(id))[0];
-    };
-    const QDate day(2024, 3, 20);
-    using kav::test::RaisedKind;
-    for (const QVariant& notADate : {QVariant(u"abc"_s), QVariant(u"1403/01/01"_s), QVariant(7)})
-        EXPECT_EQ(RaisedKind([&] {
-                      insert({1, 1, 5.0, notADate, u""_s, day, u""_s});
-                  }),
-                  KavError::Kind::TypeMismatch)
-            << notADate.toString().toStdString();
-    for (const QVariant& notANumber : {QVariant(u"12x"_s), QVariant(u"abc"_s)})
-        EXPECT_EQ(RaisedKind([&] {
-                      insert({1, 1, notANumber, day, u""_s, day, u""_s});
-                  }),
-                  KavError::Kind::TypeMismatch);
-    EXPECT_EQ(RaisedKind([&] {
-                  insert({u"1.5"_s, 1, 5.0, day, u""_s, day, u""_s});
-              }),
-              KavError::Kind::TypeMismatch);
-    EXPECT_EQ(RaisedKind([&] {
-                  insert({1, 1, 1e16, day, u""_s, day, u""_s});
-              }),
-              KavError::Kind::Overflow);
+    for (const Bad& b : refused)
+        EXPECT_EQ(RaisedKind([&] { insert(b.params); }), b.kind)
+            << b.params[3].toString().toStdString();
     EXPECT_EQ(s.scalar(u"select count(*) from tblHRLoanException"_s).toInt(), 0);
 
-    // Null dates become 1900-01-01 and empty texts; a Null amount stays Null.
-    const QVariant null;
+    // A fraction is cut, as int takes it; a Persian date text is cut to nvarchar(10).
     const int id = insert({u"7"_s, 8.9, null, null, null, u"2024-06-20"_s, u"1403/03/31 extra"_s});
-    auto r = row(id);
-    EXPECT_EQ(r[u"loanid"_s].toInt(), 7);
-    EXPECT_EQ(r[u"employeeid"_s].toInt(), 8);  // a fraction is cut, as int takes it
-    EXPECT_TRUE(r[u"monthlydebit"_s].isNull());
-    EXPECT_EQ(r[u"begindate"_s].toString(), u"1900-01-01"_s);
-    EXPECT_EQ(r[u"farsibegindate"_s].toString(), u""_s);
-    EXPECT_FALSE(r[u"farsibegindate"_s].isNull());
-    EXPECT_EQ(r[u"enddate"_s].toString(), u"2024-06-20"_s);
-    EXPECT_EQ(r[u"farsienddate"_s].toString(), u"1403/03/31"_s);  // cut to nvarchar(10)
-
+    EXPECT_EQ(row(id), QStringList{u"7|8|NULL|1900-01-01||2024-06-20|1403/03/31"_s});
     // Empty texts are what SQL Server makes of them: 1900-01-01 and 0.
-    EXPECT_EQ(RunEmulatedProcedure(s.db(), u"spHRLoanExceptionUpdate"_s,
-                                   {id, 7, 8, u""_s, u"1403/01/01"_s, day, u"x"_s, u""_s}),
-              0);
-    r = row(id);
-    EXPECT_EQ(r[u"begindate"_s].toString(), u"1900-01-01"_s);
-    EXPECT_EQ(r[u"monthlydebit"_s].toDouble(), 0.0);
-    EXPECT_FALSE(r[u"monthlydebit"_s].isNull());
-
-    // A Null loan is refused by the table; a Null key updates nothing; a Null user holds
-    // no permission.
-    EXPECT_EQ(RaisedKind([&] {
-                  insert({null, 1, 5.0, day, u""_s, day, u""_s});
-              }),
-              KavError::Kind::Database);
-    EXPECT_EQ(RunEmulatedProcedure(s.db(), u"spHRLoanExceptionUpdate"_s,
-                                   {null, 1, 1, day, u""_s, day, u""_s, 1.0}),
-              0);
-    EXPECT_EQ(row(id)[u"loanid"_s].toInt(), 7);
-    EXPECT_EQ(RunEmulatedProcedure(s.db(), u"spVarekHasPermission"_s, {null, 111801}), 0);
+    EXPECT_EQ(
+        run(u"spHRLoanExceptionUpdate"_s, {id, 7, 8, u""_s, u"1403/01/01"_s, day, u"x"_s, u""_s}),
+        0);
+    EXPECT_EQ(row(id), QStringList{u"7|8|0|1900-01-01|1403/01/01|2024-03-20|x"_s});
+    // A Null key updates nothing.
+    EXPECT_EQ(run(u"spHRLoanExceptionUpdate"_s, {null, 1, 1, day, u""_s, day, u""_s, 1.0}), 0);
+    EXPECT_EQ(row(id), QStringList{u"7|8|0|1900-01-01|1403/01/01|2024-03-20|x"_s});
 }
 
-TEST(Procedures, WrongCallsAndFailingStatementsRaise) {
-    ScratchDb s;
-    EXPECT_THROW(RunEmulatedProcedure(s.db(), u"spVarekHasPermission"_s, {1}), KavError);
-    EXPECT_THROW(RunEmulatedProcedure(s.db(), u"spNoSuch"_s, {}), KavError);
-    EXPECT_THROW(RunEmulatedProcedure(s.db(), u"spVarekHasPermission"_s, {u"x"_s, 1}), KavError);
+// The name may carry its schema and any case, as on SQL Server; a Null user holds nothing.
+TEST_F(Emulated, NamesWrongCallsAndFailingStatements) {
+    s.exec(u"insert into tblVarekUserPermission (UserID, FormPermissionID) values (1, 111801)"_s);
+    EXPECT_EQ(run(u"dbo.SPVAREKHASPERMISSION"_s, {1, 111801}), 1);
+    EXPECT_EQ(run(u"spVarekHasPermission"_s, {QVariant(), 111801}), 0);
+    EXPECT_THROW(run(u"spVarekHasPermission"_s, {1}), KavError);
+    EXPECT_THROW(run(u"spNoSuch"_s, {}), KavError);
+    EXPECT_THROW(run(u"spVarekHasPermission"_s, {u"x"_s, 1}), KavError);
     s.exec(u"drop table tblHRLoanException"_s);
     try {
-        RunEmulatedProcedure(s.db(), u"spHRLoanExceptionNew"_s,
-                             {1, 1, 1.0, QDate(), u""_s, QDate(), u""_s});
+        insert({1, 1, 1.0, QDate(), u""_s, QDate(), u""_s});
         FAIL() << "insert into a missing table succeeded";
     } catch (const KavError& e) {
         EXPECT_EQ(e.kind(), KavError::Kind::Database);
         EXPECT_TRUE(e.message().contains(u"tblHRLoanException"_s)) << e.message().toStdString();
     }
-}
-
-}  // namespace
-
-namespace {
-
-// The same emulation through Qt's ODBC driver and the SQLite ODBC driver, the path a
-// site without SQL Server takes when it names an ODBC driver.
-TEST(Procedures, RunOverTheSqliteOdbcDriver) {
-    if (!QSqlDatabase::isDriverAvailable(u"QODBC"_s)) GTEST_SKIP() << "no QODBC plugin";
-    if (!kav::data::InstalledOdbcDrivers().contains(u"SQLite3"_s))
-        GTEST_SKIP() << "the SQLite3 ODBC driver is not installed";
-    ScratchDb s;  // creates the file and the schema
-    const ConnectionTarget t = MapConnectionString(
-        u"Provider=MSDASQL;Driver={SQLite3};Database="_s + s.file(), {u"SQLite3"_s}, {});
-    ASSERT_EQ(t.kind, DatabaseKind::SQLite);
-    {
-        QSqlDatabase odbc = QSqlDatabase::addDatabase(t.qtDriver, u"odbc-procedures"_s);
-        odbc.setDatabaseName(t.databaseName);
-        ASSERT_TRUE(odbc.open()) << odbc.lastError().text().toStdString();
-        const int id = RunEmulatedProcedure(
-            odbc, u"spHRLoanExceptionNew"_s,
-            {3, 4, 250000.0, QDate(2024, 3, 20), u"1403/01/01"_s, QDate(), u""_s});
-        EXPECT_GT(id, 0);
-        EXPECT_EQ(RunEmulatedProcedure(
-                      odbc, u"spHRLoanExceptionUpdate"_s,
-                      {id, 3, 4, QDate(2024, 3, 21), u"1403/01/02"_s, QDate(), u""_s, 1.0}),
-                  0);
-        EXPECT_EQ(RunEmulatedProcedure(odbc, u"spVarekHasPermission"_s, {1, 111801}), 0);
-        odbc.close();
-    }
-    QSqlDatabase::removeDatabase(u"odbc-procedures"_s);
-    EXPECT_EQ(
-        s.scalar(u"select FarsiBeginDate || ' ' || BeginDate from tblHRLoanException"_s).toString(),
-        u"1403/01/02 2024-03-21"_s);
 }
 
 }  // namespace

@@ -14,56 +14,49 @@
 using namespace Qt::StringLiterals;
 using namespace kav;
 
-TEST(Messages, MissingComponentShowsNothingAndAnswersZero) {
+// A component that cannot be made, or fails while showing, is swallowed and answers no yes.
+TEST(Messages, AMissingOrFailingComponentAnswersNothing) {
     auto script = std::make_shared<test::MessageScript>();
     script->missing = true;
     const MessageFactory factory = test::ScriptedFactory(script);
     ShowMessage(factory, u"t"_s, u"m"_s);
-    EXPECT_EQ(AskQuestion(factory, u"t"_s, u"q"_s), AnswerNone);
+    EXPECT_EQ(AskQuestion(factory, u"t"_s, u"q"_s), 0);
     EXPECT_TRUE(script->shown.isEmpty());
-
     const MessageFactory throwing = []() -> std::unique_ptr<MessageComponent> {
         throw std::runtime_error("not registered");
     };
-    EXPECT_EQ(AskQuestion(throwing, u"t"_s, u"q"_s), AnswerNone);
-    EXPECT_EQ(AskQuestion(MessageFactory{}, u"t"_s, u"q"_s), AnswerNone);
+    EXPECT_EQ(AskQuestion(throwing, u"t"_s, u"q"_s), 0);
+    EXPECT_EQ(AskQuestion(MessageFactory{}, u"t"_s, u"q"_s), 0);
+
+    script->missing = false;
+    script->failOnShow = true;
+    script->answers = {1};
+    EXPECT_NO_THROW(ShowMessage(factory, u"t"_s, u"m"_s));
+    EXPECT_NE(AskQuestion(factory, u"t"_s, u"q"_s), 6);  // the scripted yes never arrived
+    EXPECT_EQ(script->shown.size(), 2);
 }
 
+// A question's Resualt maps to yes (6), no (7) or no answer (0); title, text and type reach the
+// component.
 TEST(Messages, ResualtMapsToAnswerCodes) {
     auto script = std::make_shared<test::MessageScript>();
-    script->answers = {1, 0, 2, -1, QVariant(), u"1"_s, true};
     const MessageFactory factory = test::ScriptedFactory(script);
-    EXPECT_EQ(AskQuestion(factory, u"t"_s, u"q"_s), AnswerYes);
-    EXPECT_EQ(AskQuestion(factory, u"t"_s, u"q"_s), AnswerNo);
-    EXPECT_EQ(AskQuestion(factory, u"t"_s, u"q"_s), AnswerNone);
-    EXPECT_EQ(AskQuestion(factory, u"t"_s, u"q"_s), AnswerNone);
-    EXPECT_EQ(AskQuestion(factory, u"t"_s, u"q"_s), AnswerNone);
-    EXPECT_EQ(AskQuestion(factory, u"t"_s, u"q"_s), AnswerYes);
-    EXPECT_EQ(AskQuestion(factory, u"t"_s, u"q"_s), AnswerYes);
-    ASSERT_EQ(script->shown.size(), 7);
-    EXPECT_EQ(script->shown[0].type, 1);
-}
-
-TEST(Messages, TypeTitleAndTextReachTheComponent) {
-    auto script = std::make_shared<test::MessageScript>();
-    const MessageFactory factory = test::ScriptedFactory(script);
+    struct Case {
+        QVariant resualt;
+        qint16 answer;
+    };
+    for (const Case& c : {Case{1, 6}, Case{0, 7}, Case{2, 0}, Case{-1, 0}, Case{QVariant(), 0},
+                          Case{u"1"_s, 6}, Case{true, 6}}) {
+        script->answers = {c.resualt};
+        EXPECT_EQ(AskQuestion(factory, u"پرسش"_s, u"آيا؟"_s), c.answer)
+            << c.resualt.toString().toStdString();
+        EXPECT_EQ(script->last().type, 1);
+    }
     ShowMessage(factory, u"هشدار"_s, u"متن"_s);
-    ASSERT_EQ(script->shown.size(), 1);
     EXPECT_EQ(script->last().title, u"هشدار"_s);
     EXPECT_EQ(script->last().text, u"متن"_s);
     EXPECT_EQ(script->last().type, 0);
-}
-
-TEST(Messages, FailingComponentIsSwallowed) {
-    auto script = std::make_shared<test::MessageScript>();
-    script->failOnShow = true;
-    script->answers = {1};
-    const MessageFactory factory = test::ScriptedFactory(script);
-    EXPECT_NO_THROW(ShowMessage(factory, u"t"_s, u"m"_s));
-    qint16 answer = -1;
-    EXPECT_NO_THROW(answer = AskQuestion(factory, u"t"_s, u"q"_s));
-    EXPECT_TRUE(answer == AnswerNo || answer == AnswerNone);
-    EXPECT_EQ(script->shown.size(), 2);
+    EXPECT_EQ(script->shown.size(), 8);
 }
 
 TEST(HandlerBoundary, ErrorsAreShownTitledErrorAndNeverEscape) {

@@ -1,6 +1,7 @@
 #include "LoanVersions.h"
 
 #include <QSqlQuery>
+#include <QSqlRecord>
 #include <QStringList>
 
 using namespace Qt::StringLiterals;
@@ -10,6 +11,8 @@ namespace kav::reliability {
 namespace {
 
 const QString kNull = u"null"_s;
+
+QString id(qint64 value) { return QString::number(value); }
 
 loan_save::LoanRecord baseLoan(bool isFinal, qint64 typeId, qint64 value, const QString& notes) {
     loan_save::LoanRecord loan;
@@ -21,41 +24,45 @@ loan_save::LoanRecord baseLoan(bool isFinal, qint64 typeId, qint64 value, const 
     loan.farsiBeginDate = u"1403/01/31"_s;
     loan.endDate = QDate(2025, 3, 20);
     loan.farsiEndDate = u"1403/12/30"_s;
-    loan.loanValue = QString::number(value);
-    loan.originalValue = QString::number(value + 7);
-    loan.monthlyValue = QString::number(value % 1000 + 1);
-    loan.payBackNumber = QString::number(1 + value % 60);
+    loan.loanValue = id(value);
+    loan.originalValue = id(value + 7);
+    loan.monthlyValue = id(value % 1000 + 1);
+    loan.payBackNumber = id(1 + value % 60);
     loan.remainderOption = int(value % 3);
     loan.notes = notes;
     return loan;
 }
 
-QString id(qint64 value) { return QString::number(value); }
-
-QString cell(const QVariant& v) { return v.isNull() ? kNull : v.toString(); }
+// The rows of a query, each row's columns joined, Null as "null".
+QStringList rows(QSqlDatabase db, const QString& sql) {
+    QSqlQuery q(db);
+    q.exec(sql);
+    QStringList out;
+    while (q.next()) {
+        QStringList cells;
+        for (int c = 0; c < q.record().count(); ++c)
+            cells << (q.isNull(c) ? kNull : q.value(c).toString());
+        out << cells.join(u',');
+    }
+    return out;
+}
 
 }  // namespace
 
 loan_save::LoanRecord LargeLoanVersion(qint64 version, int members) {
     loan_save::LoanRecord loan =
         baseLoan(version % 2 == 1, 1, 1000000 + version, u"v%1"_s.arg(version));
-    for (int e = 1; e <= members; ++e) {
-        const qint64 second = (qint64(e) * 7 + version) % members + 1;
-        loan.members.append({id(e),
-                             {id((e + version) % members + 1),
-                              (e * 7 + version) % 3 == 0 ? kNull : id(second), kNull}});
-    }
+    for (int e = 1; e <= members; ++e)
+        loan.members.append(
+            {id(e),
+             {id((e + version) % members + 1),
+              (e * 7 + version) % 3 == 0 ? kNull : id((e * 7 + version) % members + 1), kNull}});
     return loan;
-}
-
-qint64 VersionOf(const QString& notes) {
-    if (!notes.startsWith(u'v')) return 0;
-    return notes.mid(1).toLongLong();
 }
 
 loan_save::LoanRecord NewLoan(qint64 j, int employees) {
     loan_save::LoanRecord loan = baseLoan(true, 2, 5000 + j, u"n%1"_s.arg(j));
-    for (int k = 0; k < NewLoanMembers; ++k)
+    for (int k = 0; k < 40; ++k)
         loan.members.append({id((j * 13 + k) % employees + 1),
                              {k % 2 ? id(j % employees + 1) : kNull, kNull, kNull}});
     return loan;
@@ -68,49 +75,29 @@ loan_save::LoanRecord TaggedLoan(int tag, int i, int members) {
     return loan;
 }
 
-QString LoanDifference(QSqlDatabase db, qint64 loanId, const loan_save::LoanRecord& expected) {
-    QSqlQuery q(db);
-    q.exec(
-        u"select Code, Notes, LoanValue, OriginalLoanValue, MonthlyValue, PayBackNumber, "
-        "UseRemainedValueInFirstMonth, TypeID from tblHRLoan where ID=%1"_s.arg(loanId));
-    if (!q.next()) return u"loan %1 is missing"_s.arg(loanId);
-    const QStringList header = {q.value(0).isNull() ? u"temporary"_s : u"final"_s,
-                                q.value(1).toString(),
-                                cell(q.value(2)),
-                                cell(q.value(3)),
-                                cell(q.value(4)),
-                                cell(q.value(5)),
-                                cell(q.value(6)),
-                                cell(q.value(7))};
-    const QStringList wanted = {expected.isFinal ? u"final"_s : u"temporary"_s,
-                                expected.notes,
-                                expected.loanValue,
-                                expected.originalValue,
-                                expected.monthlyValue,
-                                expected.payBackNumber,
-                                id(expected.remainderOption),
-                                id(expected.typeId)};
-    if (header != wanted)
-        return u"loan %1 holds %2 instead of %3"_s.arg(loanId).arg(header.join(u' '),
-                                                                   wanted.join(u' '));
-    q.exec(
-        u"select EmployeeID, SupporterEmployeeID1, SupporterEmployeeID2, "
-        "SupporterEmployeeID3 from tblHRLoanDetail where LoanID=%1 order by ID"_s.arg(loanId));
-    QStringList rows;
-    while (q.next())
-        rows << QStringList{cell(q.value(0)), cell(q.value(1)), cell(q.value(2)), cell(q.value(3))}
-                    .join(u',');
-    QStringList wantedRows;
-    for (const loan_save::MemberRow& m : expected.members)
-        wantedRows << QStringList{m.employeeId, m.guarantors[0], m.guarantors[1], m.guarantors[2]}
-                          .join(u',');
-    if (rows != wantedRows)
-        return u"loan %1 (%2) has %3 member rows, not the %4 of its version%5"_s.arg(loanId)
-            .arg(expected.notes)
-            .arg(rows.size())
-            .arg(wantedRows.size())
-            .arg(rows.size() == wantedRows.size() ? u", with other guarantors"_s : QString());
-    return {};
+QString LoanDifference(QSqlDatabase db, qint64 loanId, const loan_save::LoanRecord& e) {
+    QStringList wanted = {QStringList{id(e.isFinal), e.notes, e.loanValue, e.originalValue,
+                                      e.monthlyValue, e.payBackNumber, id(e.remainderOption),
+                                      id(e.typeId)}
+                              .join(u',')};
+    for (const loan_save::MemberRow& m : e.members)
+        wanted << QStringList{m.employeeId, m.guarantors[0], m.guarantors[1], m.guarantors[2]}.join(
+            u',');
+    const QStringList stored =
+        rows(db,
+             u"select Code is not null, Notes, LoanValue, OriginalLoanValue, MonthlyValue, "
+             "PayBackNumber, UseRemainedValueInFirstMonth, TypeID from tblHRLoan where ID=%1"_s.arg(
+                 loanId)) +
+        rows(db,
+             u"select EmployeeID, SupporterEmployeeID1, SupporterEmployeeID2, "
+             "SupporterEmployeeID3 from tblHRLoanDetail where LoanID=%1 order by ID"_s.arg(loanId));
+    if (stored == wanted) return {};
+    return u"loan %1 holds [%2] and %3 member rows, not [%4] and the %5 of its version"_s
+        .arg(loanId)
+        .arg(stored.value(0))
+        .arg(stored.size() - 1)
+        .arg(wanted[0])
+        .arg(wanted.size() - 1);
 }
 
 }  // namespace kav::reliability

@@ -1,0 +1,284 @@
+// Writes refused by the database (read-only, or a trigger half-way), for every command that
+// writes: the database stays as it was, the window keeps its mode and what the clerk entered,
+// one "خطا" names the cause, and then the same click goes through. And refused by the windows'
+// own checks, for what a clerk pastes past the boxes' key filters.
+
+#include <gtest/gtest.h>
+
+#include <QClipboard>
+#include <QComboBox>
+#include <QGuiApplication>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <functional>
+
+#include "adjustments/AdjustmentFixture.h"
+#include "adjustments/AdjustmentOpener.h"
+#include "adjustments/FormHRException.h"
+#include "controls/FlexGrid.h"
+#include "controls/VarekCurrency.h"
+#include "controls/VarekDate.h"
+#include "controls/VarekSelector.h"
+#include "loan_editor/EditorFixture.h"
+#include "support/QtPrinters.h"
+
+using namespace Qt::StringLiterals;
+using namespace kav;
+using namespace kav::test;
+
+namespace {
+
+// One database and the windows, seeded as the windows' own tests seed them.
+struct Bench {
+    explicit Bench(bool adjustments) {
+        if (adjustments) {
+            SeedAdjustments(t.db);
+            // An adjustment whose dates are still empty, so that editing it makes it longer.
+            t.db.exec(
+                u"insert into tblHRLoanException (ID, LoanID, EmployeeID, BeginDate, "
+                "FarsiBeginDate, EndDate, FarsiEndDate, MonthlyDebit) values "
+                "(3, 1, 2, '1900-01-01', '', '1900-01-01', '', -1)"_s);
+            t.module.ProvidePort<LoanEditorPort>(
+                [this](Module&) -> LoanEditorPort& { return fakeEditor; });
+            t.module.ProvidePort<AdjustmentPort>(
+                [](Module& m) -> AdjustmentPort& { return m.Window<AdjustmentOpener>(); });
+        } else {
+            SeedLoans(t.db);
+            t.grant(1, {111801, 111802, 111803});
+        }
+        t.module.session.SessionUserID = 1;
+        t.messages->defaultAnswer = 1;  // every question answered yes
+    }
+    FormHRLoan& editor() { return t.module.Window<FormHRLoan>(); }
+    FormHRException& adjustment() { return t.module.Window<FormHRException>(); }
+    // Everything a write may touch, and the window, as text.
+    QString snapshot() const {
+        QString text;
+        for (const QString& table :
+             {u"tblHRLoan"_s, u"tblHRLoanDetail"_s, u"tblHRLoanException"_s, u"sqlite_sequence"_s})
+            for (const Row& r : t.db.rows(u"select * from "_s + table))
+                for (auto it = r.begin(); it != r.end(); ++it)
+                    text += it.key() + u'=' + (it->isNull() ? u"<null>"_s : it->toString()) + u';';
+        return text;
+    }
+    QStringList window(bool adjustments) {
+        QStringList s{QString::number(t.module.session.LoanFormMode)};
+        if (adjustments) {
+            FormHRException& w = adjustment();
+            return s << w.txtID->text() << QString::number(w.gmpEmployee->Value())
+                     << w.gdcBalancePF->farsidate() << w.gdcBalancePT->farsidate()
+                     << w.TxtPerMonth->text();
+        }
+        FormHRLoan& w = editor();
+        s << w.windowTitle() << w.txtID->text() << w.txtCode->text() << w.txtNotes->text()
+          << w.txtLoanValue->Text() << w.txtPayBackNumber->text();
+        for (int r = 0; r < w.FlexEmployee->Rows(); ++r)
+            for (int c = 0; c < w.FlexEmployee->Cols(); ++c) s << w.FlexEmployee->TextMatrix(r, c);
+        return s;
+    }
+    // Messages shown, the questions (answered yes) left out.
+    QStringList shown() const {
+        QStringList texts;
+        for (const ShownMessage& m : t.messages->shown)
+            if (m.type == 0) texts << m.title + u": "_s + m.text;
+        return texts;
+    }
+    TestModule t;
+    FakeEditor fakeEditor;
+};
+
+struct Command {
+    const char* name;
+    bool adjustments;
+    std::function<void(Bench&)> prepare, click;
+    // Refused half-way as well, by a trigger on the loan (the saves' and the adjustments'
+    // half-way failures are tested beside their windows).
+    bool halfWay = false;
+};
+
+const Command kCommands[] = {
+    {"final save of a new loan", false,
+     [](Bench& b) {
+         FormHRLoan& w = b.editor();
+         w.cmdNew_Click();
+         w.cmbLoanType->setCurrentIndex(0);
+         w.txtLoanValue->setText(u"2000"_s);
+         w.txtPayBackNumber->setText(u"4"_s);
+         w.datEndDate->setFarsidate(u"1403/09/30"_s);
+         b.t.module.SetModalRunner([](QDialog& d) {
+             if (auto* picker = qobject_cast<FormHREmployee*>(&d)) Pick(2)(*picker);
+             return 0;
+         });
+         w.cmdAddEmp_Click();
+     },
+     [](Bench& b) { b.editor().cmdFinSave->click(); }},
+    {"final save of an edited loan", false,
+     [](Bench& b) {
+         b.editor().ViewPRSLoansInfo(TemporaryLoan);
+         b.editor().cmdEdit_Click();
+         b.editor().txtNotes->setText(u"changed"_s);
+     },
+     [](Bench& b) { b.editor().cmdFinSave->click(); }},
+    {"delete a loan", false, [](Bench& b) { b.editor().ViewPRSLoansInfo(TemporaryLoan); },
+     [](Bench& b) { b.editor().cmdDelete->click(); }, true},
+    {"back to temporary", false, [](Bench& b) { b.editor().ViewPRSLoansInfo(FinalLoan); },
+     [](Bench& b) { b.editor().cmdBacktoTemp->click(); }},
+    {"remove a member", false,
+     [](Bench& b) {
+         FormHRLoan& w = b.editor();
+         w.ViewPRSLoansInfo(TemporaryLoan);
+         w.cmdEdit_Click();
+         w.FlexEmployee->setRow(2);
+         w.FlexEmployee_RowColChange();
+     },
+     [](Bench& b) { b.editor().cmdDeleteEmp->click(); }},
+    {"save a new adjustment", true,
+     [](Bench& b) {
+         b.t.module.port<AdjustmentPort>().ShowBalance(u"1"_s, 1);
+         FormHRException& w = b.adjustment();
+         w.cmdNew_Click();
+         w.gmpEmployee->setValue(1);
+         w.gdcBalancePF->setFarsidate(u"1402/05/01"_s);
+         w.gdcBalancePT->setFarsidate(u"1402/06/31"_s);
+         w.TxtPerMonth->setText(u"1000"_s);
+     },
+     [](Bench& b) { b.adjustment().cmdSave->click(); }},
+    {"save an edited adjustment", true,
+     [](Bench& b) {
+         b.t.module.port<AdjustmentPort>().ShowBalance(u"1"_s, 2);
+         FormHRException& w = b.adjustment();
+         w.ShowFormToEdit(3);
+         w.cmdEdit_Click();
+         w.gdcBalancePF->setFarsidate(u"1402/02/01"_s);
+         w.gdcBalancePT->setFarsidate(u"1402/11/30"_s);
+         w.TxtPerMonth->setText(u"4000000"_s);
+     },
+     [](Bench& b) { b.adjustment().cmdSave->click(); }},
+    {"delete an adjustment", true,
+     [](Bench& b) {
+         b.t.module.port<AdjustmentPort>().ShowBalance(u"1"_s, 1);
+         b.adjustment().ShowFormToEdit(1);
+     },
+     [](Bench& b) { b.adjustment().cmdDelete->click(); }},
+};
+
+void paste(QWidget* box, const QString& text) {
+    QGuiApplication::clipboard()->setText(text);
+    QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
+}
+
+}  // namespace
+
+TEST(WriteFaults, AFailedWriteLeavesTheDatabaseTheWindowAndSavingAgainIntact) {
+    int injected = 0;
+    for (const Command& command : kCommands) {
+        for (const bool readOnly : {true, false}) {
+            if (!readOnly && !command.halfWay) continue;
+            SCOPED_TRACE(std::string(command.name) + (readOnly ? " read-only" : " half-way"));
+            Bench b(command.adjustments);
+            command.prepare(b);
+            const auto refuse = [&](bool on) {
+                if (readOnly)
+                    b.t.module.DtEn().cnt().Execute(u"PRAGMA query_only = "_s +
+                                                    (on ? u"ON"_s : u"OFF"_s));
+                else
+                    b.t.db.exec(on ? u"create trigger refuse before delete on tblHRLoan begin "
+                                     "select raise(abort, 'writes refused here'); end"_s
+                                   : u"drop trigger refuse"_s);
+            };
+            refuse(true);
+            const QString before = b.snapshot();
+            const QStringList window = b.window(command.adjustments);
+            b.t.messages->shown.clear();
+            command.click(b);
+            ++injected;
+            const QStringList shown = b.shown();
+            ASSERT_EQ(shown.size(), 1) << shown.join(u'\n').toStdString();
+            EXPECT_TRUE(shown[0].startsWith(u"خطا: "_s));
+            EXPECT_TRUE(shown[0].contains(readOnly ? u"readonly"_s : u"writes refused here"_s))
+                << shown[0].toStdString();
+            EXPECT_EQ(b.snapshot(), before);
+            EXPECT_EQ(b.window(command.adjustments), window);
+
+            // The cause gone, the same click goes through: nothing was left open.
+            refuse(false);
+            b.t.messages->shown.clear();
+            command.click(b);
+            EXPECT_EQ(b.shown(), QStringList());
+            EXPECT_NE(b.snapshot(), before);
+        }
+    }
+    EXPECT_EQ(injected, 9);
+}
+
+// The monthly debit is the one typed amount that reaches the adjustments' stored procedures:
+// text that looks like SQL, a sign or an exponent is refused by name.
+TEST_F(AdjustmentTest, AMonthlyDebitThatIsNoAmountIsRefusedByNameAndWritesNothing) {
+    open();
+    const QList<Row> before = t.db.rows(u"select * from tblHRLoanException"_s);
+    for (const QString& typed :
+         {u"1; delete tblHRLoanException"_s, u"1e3"_s, u"-500"_s, u"۱۰۰۰' --"_s}) {
+        SCOPED_TRACE(typed.toStdString());
+        enterNew(u"1402/03/01"_s, u"1402/04/31"_s, typed);
+        expectLast(u"هشدار"_s, u"مقدار «"_s + typed +
+                                   u"» در اقساط ماهيانه مبلغ معتبري نيست؛ فقط رقم وارد کنيد."_s);
+        EXPECT_EQ(session().LoanFormMode, 2);
+        EXPECT_EQ(t.db.rows(u"select * from tblHRLoanException"_s), before);
+    }
+}
+
+TEST(HostileEditor, AmountsAndTheCountTakeDigitsOfEveryScriptAndRefuseTheRest) {
+    Bench b(false);
+    TestModule& t = b.t;
+    auto& w = b.editor();
+    w.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&w));
+    const auto stored = [&] {
+        return t.db.rows(u"select * from tblHRLoan"_s) +
+               t.db.rows(u"select * from tblHRLoanDetail"_s);
+    };
+    const auto before = stored();
+    w.cmdNew_Click();
+    w.cmbLoanType->setCurrentIndex(0);
+    w.datEndDate->setFarsidate(u"1403/09/30"_s);
+    for (const QChar c : u"۲۵۰۰"_s)  // typed in Persian digits
+        QTest::sendKeyEvent(QTest::Click, w.txtLoanValue->lineEdit(), Qt::Key_unknown, QString(c),
+                            Qt::NoModifier);
+    w.txtOriginalValue->lineEdit()->selectAll();
+    paste(w.txtOriginalValue->lineEdit(), u"٣٬٠٠٠"_s);  // Arabic-Indic, grouped
+    // SQL or a sign pasted into an amount lands nowhere.
+    paste(w.txtLoanValue->lineEdit(), u"0; delete from tblHRLoan"_s);
+    paste(w.txtLoanValue->lineEdit(), u"-5000"_s);
+    EXPECT_EQ(w.txtLoanValue->Value(), u"2500"_s);
+    EXPECT_EQ(w.txtOriginalValue->Value(), u"3000"_s);
+
+    paste(w.txtPayBackNumber, u"3; drop table tblHRLoan"_s);
+    w.cmdRegSave->click();
+    EXPECT_EQ(
+        b.shown(),
+        QStringList{u"خطا: تعداد اقساط «3; drop table tblHRLoan» عدد صحيح نيست؛ وام ثبت نشد."_s});
+    EXPECT_EQ(stored(), before);
+    EXPECT_EQ(t.module.session.LoanFormMode, ModeNew);
+
+    t.messages->shown.clear();
+    w.txtPayBackNumber->clear();
+    paste(w.txtPayBackNumber, u"۱۲"_s);
+    w.cmdRegSave->click();
+    EXPECT_EQ(b.shown(), QStringList());
+    EXPECT_EQ(t.db.scalar(u"select LoanValue || ' ' || OriginalLoanValue || ' ' || PayBackNumber "
+                          "from tblHRLoan where ID="_s +
+                          w.txtID->text()),
+              u"2500 3000 12"_s);
+
+    // An amount past the largest the database holds: a clear message, nothing written.
+    const auto saved = stored();
+    t.messages->shown.clear();
+    w.cmdEdit_Click();
+    w.txtLoanValue->lineEdit()->selectAll();
+    paste(w.txtLoanValue->lineEdit(), u"99999999999999999999"_s);
+    w.cmdRegSave->click();
+    EXPECT_EQ(b.shown(), QStringList{u"خطا: سرريز عددي: مقدار خارج از محدوده است (Overflow)."_s});
+    EXPECT_EQ(stored(), saved);
+    EXPECT_EQ(t.module.session.LoanFormMode, ModeEdit);
+}

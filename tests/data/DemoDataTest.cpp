@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <QCalendar>
-#include <QRegularExpression>
 
 #include "base/Errors.h"
 #include "data/DemoData.h"
@@ -85,12 +84,7 @@ TEST_F(DemoDatabase, LoansAreCoherent) {
 }
 
 TEST_F(DemoDatabase, HasAWorkingDateAndAUserWithAndOneWithoutPermissions) {
-    const QString date =
-        s.scalar(u"select Value from tblVarekSystemParameters where ID=3450"_s).toString();
-    EXPECT_TRUE(QRegularExpression(u"^1[34]\\d\\d/(0[1-9]|1[0-2])/(0[1-9]|[12]\\d|3[01])$"_s)
-                    .match(date)
-                    .hasMatch())
-        << date.toStdString();
+    EXPECT_EQ(s.scalar(u"select length(Value) from tblVarekSystemParameters where ID=3450"_s), 10);
     const QString permissions =
         u"select FormPermissionID from tblVarekUserPermission where UserID=%1 order by 1"_s;
     EXPECT_EQ(s.table(permissions.arg(DemoUserWithPermissions)),

@@ -8,6 +8,7 @@
 #include "LargeDatabase.h"
 #include "RawSqlite.h"
 #include "base/Errors.h"
+#include "support/QtPrinters.h"
 #include "support/Raises.h"
 
 using namespace Qt::StringLiterals;

@@ -134,7 +134,7 @@ TEST(CrashSafety, AClientKilledWhileSavingLeavesEveryLoanWhollyBeforeOrAfter) {
 // Two processes saving final loans at the same moment: codes 1, 2, 3, ... without a gap or a
 // repeat, each loan with exactly the member rows of the client that saved it, no error shown.
 TEST(Concurrency, TwoProcessesSavingAtOnceGetDistinctGapFreeCodesAndTheirOwnMembers) {
-    const int saves = Scaled(100, 2000);
+    const int saves = Scaled(200, 2000);
     test::TestDatabase db;
     std::vector<std::unique_ptr<Child>> clients;
     for (const QString& tag : {u"1"_s, u"2"_s}) {

@@ -6,7 +6,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QSettings>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -29,142 +28,115 @@ struct Outcome {
 class AppTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        env = QProcessEnvironment::systemEnvironment();
         env.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
         env.insert(u"HOME"_s, home.path());
         env.insert(u"XDG_CONFIG_HOME"_s, home.filePath(u"config"_s));
         env.insert(u"XDG_DATA_HOME"_s, home.filePath(u"data"_s));
+        env.insert(u"XDG_RUNTIME_DIR"_s, home.filePath(u"run"_s));
         QDir().mkpath(home.filePath(u"run"_s));
         QFile::setPermissions(home.filePath(u"run"_s),
                               QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        env.insert(u"XDG_RUNTIME_DIR"_s, home.filePath(u"run"_s));
     }
-    Outcome run(const QStringList& args, const QProcessEnvironment& environment) {
+    Outcome run(const QStringList& args, const QProcessEnvironment* environment = nullptr) {
         QProcess p;
-        p.setProcessEnvironment(environment);
+        p.setProcessEnvironment(environment ? *environment : env);
         p.start(QStringLiteral(KAVHRLOAN_BINARY), args);
-        Outcome r;
         if (!p.waitForFinished(30000)) {
             p.kill();
             p.waitForFinished();
             ADD_FAILURE() << "kavhrloan did not finish: " << args.join(u' ').toStdString();
-            return r;
+            return {};
         }
-        r.code = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-        r.out = QString::fromUtf8(p.readAllStandardOutput());
-        r.err = QString::fromUtf8(p.readAllStandardError());
-        return r;
+        return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
+                QString::fromUtf8(p.readAllStandardOutput()),
+                QString::fromUtf8(p.readAllStandardError())};
     }
-    Outcome run(const QStringList& args) { return run(args, env); }
     QString settingsFile() const { return home.filePath(u"config/KAV/kavhrloan.conf"_s); }
-    QString demoFile() const { return home.filePath(u"data/KAV/kavhrloan/kavhrloan-demo.db"_s); }
     QStringList storedKeys() const {
+        return QSettings(settingsFile(), QSettings::IniFormat).allKeys();
+    }
+    void store(const QString& userId, const QString& connection) const {
         QSettings s(settingsFile(), QSettings::IniFormat);
-        return s.allKeys();
+        s.setValue(u"kavHRLoan1/UserID"_s, userId);
+        s.setValue(u"kavHRLoan1/OLEConnectionstring"_s, connection);
     }
     QTemporaryDir home;
-    QProcessEnvironment env;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
 };
 
-const QString kRefusal = u"شما فاقد نقش مورد نظر هستيد. به نگهدارنده سيستم رجوع فرمائيد."_s;
-
-}  // namespace
-
-TEST_F(AppTest, VersionAndHelpNeedNoDisplay) {
+TEST_F(AppTest, VersionAndHelpNeedNoDisplayAndTheWindowDoes) {
     QProcessEnvironment bare = env;
     for (const QString& name : {u"QT_QPA_PLATFORM"_s, u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s})
         bare.remove(name);
-    const Outcome version = run({u"--version"_s}, bare);
+    const Outcome version = run({u"--version"_s}, &bare);
     EXPECT_EQ(version.code, 0);
-    EXPECT_TRUE(
-        QRegularExpression(u"^kavhrloan \\d+\\.\\d+\\.\\d+\\n$"_s).match(version.out).hasMatch())
-        << version.out.toStdString();
-    const Outcome help = run({u"--help-all"_s}, bare);
+    EXPECT_TRUE(version.out.startsWith(u"kavhrloan "_s)) << version.out.toStdString();
+    const Outcome help = run({u"--help-all"_s}, &bare);
     EXPECT_EQ(help.code, 0);
-    for (const QString& option :
-         {u"--connection"_s, u"--user"_s, u"--demo"_s, u"--reset-settings"_s})
-        EXPECT_TRUE(help.out.contains(option)) << option.toStdString();
     EXPECT_TRUE(help.out.contains(settingsFile())) << help.out.toStdString();
-    const Outcome window = run({}, bare);
+    const Outcome window = run({}, &bare);
     EXPECT_EQ(window.code, 2);
     EXPECT_TRUE(window.err.contains(u"no display"_s));
 }
 
-TEST_F(AppTest, ADatabaseThatDoesNotOpenExitsWithTwoAndStoresNothing) {
-    const QString missing = home.filePath(u"nowhere/loans.db"_s);
-    const Outcome r =
-        run({u"--connection"_s, u"Provider=SQLite;Data Source="_s + missing, u"--user"_s, u"1"_s});
-    EXPECT_EQ(r.code, 2);
-    EXPECT_TRUE(r.err.contains(u"kavhrloan: فايل پايگاه داده «"_s + missing + u"» وجود ندارد."_s))
-        << r.err.toStdString();
-    EXPECT_EQ(storedKeys(), QStringList());
-    const Outcome provider =
-        run({u"--connection"_s, u"Provider=Nonsense;Data Source=x"_s, u"--user"_s, u"1"_s});
-    EXPECT_EQ(provider.code, 2);
-}
-
-// The demo user is for the demo database only; another database needs its user named.
-TEST_F(AppTest, AnotherDatabaseNeedsItsUserAndARefusedRoleExitsWithThree) {
+// A database that does not open, a missing user, a bad option and a screenshot that cannot be
+// written exit with 2; a refused role with 3; none of them stores anything. A stored value
+// that cannot be read stops the start with its name, unless an option replaces it;
+// --reset-settings forgets what is stored.
+TEST_F(AppTest, FailedStartsExitWithTwoOrThreeAndStoreNothing) {
     kav::test::TestDatabase db;
     db.exec(u"insert into tblVarekUserPermission (UserID, FormPermissionID) values (1, 111801)"_s);
-    const Outcome noUser = run({u"--connection"_s, db.connectionString()});
-    EXPECT_EQ(noUser.code, 2);
-    EXPECT_TRUE(noUser.err.contains(u"--user ID"_s)) << noUser.err.toStdString();
-
-    const Outcome refused = run({u"--connection"_s, db.connectionString(), u"--user"_s, u"2"_s});
-    EXPECT_EQ(refused.code, 3);
-    EXPECT_TRUE(refused.err.contains(u"خطا: "_s + kRefusal)) << refused.err.toStdString();
-    EXPECT_EQ(storedKeys(), QStringList());  // a refused start keeps nothing
-
-    const Outcome badOption = run({u"--connection"_s, db.connectionString(), u"--user"_s, u"x1"_s});
-    EXPECT_EQ(badOption.code, 2);
-    EXPECT_TRUE(badOption.err.contains(u"--user: "_s)) << badOption.err.toStdString();
-}
-
-// A stored value that cannot be read stops the start with its name, unless an option
-// replaces it; --reset-settings forgets what is stored.
-TEST_F(AppTest, AnUnreadableStoredPropertyIsNamedAndAnOptionReplacesIt) {
-    kav::test::TestDatabase db;
-    {
-        QSettings s(settingsFile(), QSettings::IniFormat);
-        s.setValue(u"kavHRLoan1/UserID"_s, u"abc"_s);
-        s.setValue(u"kavHRLoan1/OLEConnectionstring"_s, db.connectionString());
+    const QString missing = home.filePath(u"nowhere/loans.db"_s);
+    QFile blocker(home.filePath(u"file"_s));
+    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+    const QString connection = db.connectionString();
+    struct Case {
+        QStringList args;
+        int code;
+        QString says;
+    };
+    const Case cases[] = {
+        {{u"--connection"_s, u"Provider=SQLite;Data Source="_s + missing, u"--user"_s, u"1"_s},
+         2,
+         u"kavhrloan: فايل پايگاه داده «"_s + missing + u"» وجود ندارد."_s},
+        {{u"--connection"_s, u"Provider=Nonsense;Data Source=x"_s, u"--user"_s, u"1"_s}, 2, {}},
+        // The demo user is for the demo database only; another database needs its user named.
+        {{u"--connection"_s, connection}, 2, u"--user ID"_s},
+        {{u"--connection"_s, connection, u"--user"_s, u"x1"_s}, 2, u"--user: "_s},
+        {{u"--connection"_s, connection, u"--user"_s, u"2"_s},
+         3,
+         u"خطا: شما فاقد نقش مورد نظر هستيد. به نگهدارنده سيستم رجوع فرمائيد."_s},
+        {{u"--screenshots"_s, home.filePath(u"file/shots"_s)}, 2, u"نوشته نشد"_s},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.args.join(u' ').toStdString());
+        const Outcome r = run(c.args);
+        EXPECT_EQ(r.code, c.code);
+        EXPECT_TRUE(r.err.contains(c.says)) << r.err.toStdString();
+        EXPECT_EQ(storedKeys(), QStringList());
     }
+
+    store(u"abc"_s, connection);
     const Outcome stopped = run({});
     EXPECT_EQ(stopped.code, 2);
     EXPECT_TRUE(stopped.err.contains(u"مقدار ذخيره شده ويژگي UserID («abc») عدد نيست."_s))
         << stopped.err.toStdString();
     EXPECT_TRUE(stopped.err.contains(u"--reset-settings"_s));
-
-    const Outcome replaced = run({u"--user"_s, u"2"_s});  // no permission: refused, but started
-    EXPECT_EQ(replaced.code, 3);
-
-    const Outcome reset = run({u"--reset-settings"_s});
-    EXPECT_EQ(reset.code, 0);
+    EXPECT_EQ(run({u"--user"_s, u"2"_s}).code, 3);  // no permission: refused, but started
+    EXPECT_EQ(run({u"--reset-settings"_s}).code, 0);
     EXPECT_EQ(storedKeys(), QStringList());
-}
-
-TEST_F(AppTest, AScreenshotThatCannotBeWrittenExitsWithTwo) {
-    QFile blocker(home.filePath(u"file"_s));
-    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
-    const Outcome r = run({u"--screenshots"_s, home.filePath(u"file/shots"_s)});
-    EXPECT_EQ(r.code, 2);
-    EXPECT_TRUE(r.err.contains(u"نوشته نشد"_s)) << r.err.toStdString();
 }
 
 // The demo runs on the demo database whatever is stored, and makes it again when the file
 // there is empty. (The window then waits for the clerk; the test ends it.)
 TEST_F(AppTest, TheDemoMakesAnEmptyDemoDatabaseAgain) {
-    QDir().mkpath(QFileInfo(demoFile()).path());
-    QFile empty(demoFile());
+    const QString demo = home.filePath(u"data/KAV/kavhrloan/kavhrloan-demo.db"_s);
+    QDir().mkpath(QFileInfo(demo).path());
+    QFile empty(demo);
     ASSERT_TRUE(empty.open(QIODevice::WriteOnly));
     empty.close();
-    {
-        QSettings s(settingsFile(), QSettings::IniFormat);
-        s.setValue(u"kavHRLoan1/UserID"_s, u"abc"_s);
-        s.setValue(u"kavHRLoan1/OLEConnectionstring"_s, u"Provider=SQLite;Data Source=/x.db"_s);
-    }
+    store(u"abc"_s, u"Provider=SQLite;Data Source=/x.db"_s);
     QProcess p;
     p.setProcessEnvironment(env);
     p.start(QStringLiteral(KAVHRLOAN_BINARY), {u"--demo"_s});
@@ -173,9 +145,9 @@ TEST_F(AppTest, TheDemoMakesAnEmptyDemoDatabaseAgain) {
         QThread::msleep(100);
         {
             QSqlDatabase check = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"demo-check"_s);
-            check.setDatabaseName(demoFile());
+            check.setDatabaseName(demo);
             check.setConnectOptions(u"QSQLITE_OPEN_READONLY"_s);
-            if (QFileInfo(demoFile()).size() > 0 && check.open()) {
+            if (QFileInfo(demo).size() > 0 && check.open()) {
                 QSqlQuery q(check);
                 if (q.exec(u"select count(*) from tblEmployee"_s) && q.next())
                     employees = q.value(0).toInt();
@@ -189,3 +161,5 @@ TEST_F(AppTest, TheDemoMakesAnEmptyDemoDatabaseAgain) {
     EXPECT_GT(employees, 0);
     EXPECT_TRUE(stillRunning) << QString::fromUtf8(p.readAllStandardError()).toStdString();
 }
+
+}  // namespace

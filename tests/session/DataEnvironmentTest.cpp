@@ -173,8 +173,10 @@ TEST(DataEnvironment, RunsThroughOdbcWithTheSqliteDriver) {
     EXPECT_THROW(module.DtEn().cnt().Execute(u"delete from tblNoSuch"_s), KavError);
 }
 
-// Opening a database, reading and writing it never switches its journal mode.
-TEST(DataEnvironment, AnOpenedDatabaseKeepsItsJournalMode) {
+// Closing the connection finishes a reader left open, so the file is let go: another client
+// can take it whole, and the reader reads no further. Opening, writing and closing never
+// switch the file's journal mode.
+TEST(DataEnvironment, ClosingLetsTheFileGoAsItWas) {
     for (const QString& mode : {u"delete"_s, u"wal"_s}) {
         test::TestModule t;
         fillEmployees(t.db);
@@ -183,46 +185,48 @@ TEST(DataEnvironment, AnOpenedDatabaseKeepsItsJournalMode) {
         WriteTransaction tx(cnt, u"KAVHRLoan"_s);
         cnt.Execute(u"delete from tblEmployee where ID=3"_s);
         tx.Commit();
+        RowReader rows(cnt, u"select ID from tblEmployee order by ID"_s);
+        ASSERT_TRUE(rows.Next());
         cnt.Close();
+        EXPECT_FALSE(rows.Next());
+        EXPECT_TRUE(t.db.exec(u"BEGIN EXCLUSIVE"_s));
+        EXPECT_TRUE(t.db.exec(u"ROLLBACK"_s));
         EXPECT_EQ(t.db.scalar(u"PRAGMA journal_mode"_s).toString(), mode);
+        Recordset rs(cnt);  // the connection opens again on use
+        rs.Open(u"select count(*) as n from tblEmployee"_s);
+        EXPECT_EQ(rs.Fields(u"n"_s).toInt(), 2);
     }
-}
-
-// A reader left open when its connection closes is finished, so the file is let go: another
-// client can take it whole, and the reader reads no further.
-TEST(DataEnvironment, ClosingTheConnectionFinishesOpenReaders) {
-    test::TestModule t;
-    fillEmployees(t.db);
-    Connection& cnt = t.module.DtEn().cnt();
-    RowReader rows(cnt, u"select ID from tblEmployee order by ID"_s);
-    ASSERT_TRUE(rows.Next());
-    cnt.Close();
-    EXPECT_FALSE(rows.Next());
-    EXPECT_TRUE(t.db.exec(u"BEGIN EXCLUSIVE"_s));
-    EXPECT_TRUE(t.db.exec(u"ROLLBACK"_s));
-    Recordset rs(cnt);  // the connection opens again on use
-    rs.Open(u"select count(*) as n from tblEmployee"_s);
-    EXPECT_EQ(rs.Fields(u"n"_s).toInt(), 3);
 }
 
 // The driver's own text stands on a line of its own, isolated left to right, so its colon
 // and brackets stay where the driver put them inside the right-to-left message; so too for a
-// statement that fails while its rows are read, not when it is prepared.
+// statement that fails while its rows are read, and for a database another client holds,
+// where the wait ends in the busy message with the pointer back to normal.
 TEST(DataEnvironment, FailingStatementsCarryTheDriversTextOnItsOwnLine) {
     test::TestModule t;
     Connection& cnt = t.module.DtEn().cnt();
     const QString overflow = u"select abs(-9223372036854775807 - 1) as x"_s;
     const QString noTable = u"خطاي پايگاه داده:\n\u2066no such table: tblNoSuchTable\u2069"_s;
     const QString overflowed = u"خطاي پايگاه داده:\n\u2066integer overflow\u2069"_s;
+    using Kind = KavError::Kind;
     struct Case {
         std::function<void()> run;
+        Kind kind;
         QString message;
     };
     const Case cases[] = {
-        {[&] { cnt.Execute(u"insert into tblNoSuchTable values (1)"_s); }, noTable},
-        {[&] { t.module.DtEn().rs().Open(u"select * from tblNoSuchTable"_s); }, noTable},
-        {[&] { RowReader(cnt, overflow).Next(); }, overflowed},
-        {[&] { t.module.DtEn().rs().Open(overflow); }, overflowed},
+        {[&] { cnt.Execute(u"insert into tblNoSuchTable values (1)"_s); }, Kind::Database, noTable},
+        {[&] { t.module.DtEn().rs().Open(u"select * from tblNoSuchTable"_s); }, Kind::Database,
+         noTable},
+        {[&] { RowReader(cnt, overflow).Next(); }, Kind::Database, overflowed},
+        {[&] { t.module.DtEn().rs().Open(overflow); }, Kind::Database, overflowed},
+        {[&] {
+             ASSERT_TRUE(t.db.exec(u"BEGIN IMMEDIATE"_s));  // the other client
+             cnt.BeginSerialised(u"KAVHRLoan"_s);
+         },
+         Kind::Busy,
+         u"پايگاه داده در اين لحظه در اختيار کاربر ديگري است؛ چند لحظه بعد دوباره تلاش "
+         u"کنيد.\n\u2066database is locked\u2069"_s},
     };
     t.module.DtEn().rs().Open(u"select 1"_s);  // a failing Open closes what was open
     for (const Case& c : cases) {
@@ -230,32 +234,14 @@ TEST(DataEnvironment, FailingStatementsCarryTheDriversTextOnItsOwnLine) {
             c.run();
             ADD_FAILURE() << "no error";
         } catch (const KavError& e) {
-            EXPECT_EQ(e.kind(), KavError::Kind::Database);
+            EXPECT_EQ(e.kind(), c.kind);
             EXPECT_EQ(e.message(), c.message);
         }
     }
     EXPECT_FALSE(t.module.DtEn().rs().IsOpen());
-}
-
-// Another client holds the database: the wait ends in the busy message, the transaction is
-// not left open, and the pointer is back to normal.
-TEST(DataEnvironment, ABusyDatabaseSaysSoAfterWaiting) {
-    test::TestModule t;
-    ASSERT_TRUE(t.db.exec(u"BEGIN IMMEDIATE"_s));  // the other client
-    Connection& cnt = t.module.DtEn().cnt();
-    try {
-        cnt.BeginSerialised(u"KAVHRLoan"_s);
-        ADD_FAILURE() << "began while another client writes";
-    } catch (const KavError& e) {
-        EXPECT_EQ(e.kind(), KavError::Kind::Busy);
-        EXPECT_EQ(e.message(),
-                  u"پايگاه داده در اين لحظه در اختيار کاربر ديگري است؛ چند لحظه بعد دوباره تلاش "
-                  u"کنيد.\n\u2066database is locked\u2069"_s);
-    }
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
     ASSERT_TRUE(t.db.exec(u"ROLLBACK"_s));
-    cnt.BeginSerialised(u"KAVHRLoan"_s);  // free again
-    cnt.Rollback();
+    checkRollbackAndCommit(cnt, t.db);  // free again, and no transaction was left open
 }
 
 // A COMMIT the database refuses (here a deferred foreign key) leaves nothing written and no

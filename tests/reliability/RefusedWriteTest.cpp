@@ -34,7 +34,7 @@ struct Bench {
     explicit Bench(bool adjustments) {
         if (adjustments) {
             SeedAdjustments(t.db);
-            // An adjustment whose dates are still empty, so that editing it makes it longer.
+            // An adjustment still without its dates, for the edit command to fill.
             t.db.exec(
                 u"insert into tblHRLoanException (ID, LoanID, EmployeeID, BeginDate, "
                 "FarsiBeginDate, EndDate, FarsiEndDate, MonthlyDebit) values "

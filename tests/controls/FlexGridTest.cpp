@@ -57,7 +57,6 @@ TEST(FlexGrid, RowZeroIsTheHeaderAndTheShapeChanges) {
     EXPECT_THROW(grid.TextMatrix(2, 0), kav::KavError);
     EXPECT_THROW(grid.setTextMatrix(0, 3, u"x"_s), kav::KavError);
     EXPECT_THROW(grid.setRow(2), kav::KavError);
-
     grid.setRows(5);
     for (int r = 1; r < 5; ++r) grid.setTextMatrix(r, 1, QString::number(r));
     grid.setRow(4);
@@ -88,7 +87,6 @@ TEST(FlexGrid, FormatStringAndColumnWidthsInTwips) {
     for (int c = 0; c < 6; ++c) alignments << grid.ColAlignment(c);
     EXPECT_EQ(alignments, (QList<int>{9, 4, 4, 4, 7, 1}));
     EXPECT_GT(grid.ColWidth(1), grid.ColWidth(5));
-
     grid.setColWidth(0, 1500);
     grid.setColWidth(1, 0);
     EXPECT_EQ(grid.ColWidth(0), 1500);
@@ -115,7 +113,6 @@ TEST(FlexGrid, SortsByTheCurrentColumnWithEachCode) {
     EXPECT_EQ(sorted(u"ياسر,گلي,احمد"_s, 5), u"احمد,گلي,ياسر"_s);
     EXPECT_EQ(sorted(u"1403/10/01,1403/02/15,1402/12/29"_s, 1),
               u"1402/12/29,1403/02/15,1403/10/01"_s);
-
     // Whole rows move, and only the data rows.
     FlexGrid grid;
     grid.setFormatString(u"رديف |^نام"_s);
@@ -155,7 +152,6 @@ TEST(FlexGrid, MouseAndKeysReachTheWindow) {
     grid->AddItem(u"2\tب\t20"_s);
     w.window.resize(400, 300);
     QTest::qWait(0);
-
     int clicks = 0, doubles = 0;
     QObject::connect(grid, &FlexGrid::Click, [&] { ++clicks; });
     QObject::connect(grid, &FlexGrid::DblClick, [&] { ++doubles; });
@@ -166,7 +162,6 @@ TEST(FlexGrid, MouseAndKeysReachTheWindow) {
     EXPECT_EQ(grid->MouseCol(), 2);
     EXPECT_EQ(clicks, 1);
     EXPECT_EQ(grid->Row(), 1);  // a header click moves nothing
-
     const QRect cell = grid->view()->visualRect(grid->view()->model()->index(1, 1));
     QTest::mouseClick(grid->view()->viewport(), Qt::LeftButton, {}, cell.center());
     EXPECT_EQ(clicks, 2);
@@ -175,7 +170,6 @@ TEST(FlexGrid, MouseAndKeysReachTheWindow) {
     EXPECT_EQ(grid->Col(), 1);
     QTest::mouseDClick(grid->view()->viewport(), Qt::LeftButton, {}, cell.center());
     EXPECT_EQ(doubles, 1);
-
     QList<int> downs, presses;
     QObject::connect(grid, &FlexGrid::KeyDown, [&](int& code, int shift) {
         downs << code << shift;
@@ -208,7 +202,6 @@ TEST(FlexGrid, CellsKeepTheirOwnTextsWhateverTheyShare) {
     const QStringList written = {u"1403/02/01||"_s, u"x|1403/02/01|"_s,
                                  u"|وام ضروري|"_s + longText};
     EXPECT_EQ(rows(grid), written);
-
     grid.setRows(6);
     grid.AddItem(u"cccc\tdddd\tdddd"_s);
     grid.AddItem(u"eeee\tdddd\tffff"_s);

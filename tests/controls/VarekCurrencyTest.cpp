@@ -65,7 +65,6 @@ TEST(VarekCurrency, TypingRegroupsAndKeepsTheCaretAfterTheSameDigit) {
     EXPECT_EQ(w.amount->SelLength(), 7);
     w.type(u"۵"_s);  // a Persian digit lands as a Latin one
     EXPECT_EQ(w.amount->Text(), u"5"_s);
-
     w.amount->setLocked(true);
     w.filterKeys();
     w.type(u"9"_s);
@@ -86,7 +85,6 @@ TEST(VarekCurrency, TypedAndPastedKeysPassTheKeyFilter) {
     w.type(u"۷"_s);
     EXPECT_EQ(w.seen, (QList<int>{'1', '2', 'a', '3', '.', '5', 8, '7'}));
     EXPECT_EQ(w.amount->Value(), u"123.7"_s);
-
     w.amount->setValue(QString());
     w.seen.clear();
     w.paste(u"1/234/567"_s);

@@ -9,12 +9,47 @@
 #include <QTimer>
 
 #include "ControlWindow.h"
+#include "controls/FarsiDateText.h"
 #include "controls/VarekCurrency.h"
 #include "controls/VarekDate.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav::controls;
 using DateWindow = kav::test::Shown<VarekDate>;
+
+// Each field is read as a number (unpadded, three digits, a blank before it, Persian digits).
+// A typed date is taken exactly or not at all; a stored one past its month's end reads as the
+// month's last day.
+TEST(FarsiDateText, ReadsTypedAndStoredDates) {
+    struct Case {
+        QString text, typed, stored;
+    };
+    for (const Case& c : {Case{u"1403/6/1"_s, u"1403/06/01"_s, u"1403/06/01"_s},
+                          Case{u"1403/010/01"_s, u"1403/10/01"_s, u"1403/10/01"_s},
+                          Case{u" 1404/ 1/ 31"_s, u"1404/01/31"_s, u"1404/01/31"_s},
+                          Case{u"۱۴۰۳/۰۲/۱۵"_s, u"1403/02/15"_s, u"1403/02/15"_s},
+                          Case{u"1403/06/31"_s, u"1403/06/31"_s, u"1403/06/31"_s},
+                          Case{u" 1408/ 12/ 30"_s, u"1408/12/30"_s, u"1408/12/30"_s},
+                          Case{u"1404/12/30"_s, QString(), u"1404/12/29"_s},
+                          Case{u"1403/07/31"_s, QString(), u"1403/07/30"_s},
+                          Case{u"1403/01/99"_s, QString(), u"1403/01/31"_s},
+                          Case{u"1403/13/01"_s, QString(), QString()},
+                          Case{u"1403/00/10"_s, QString(), QString()}}) {
+        EXPECT_EQ(FarsiDateText(ParseFarsiDate(c.text)), c.typed) << qPrintable(c.text);
+        EXPECT_EQ(FarsiDateText(ParseStoredFarsiDate(c.text)), c.stored) << qPrintable(c.text);
+    }
+    for (const QString& text : {u""_s, u"1403/01/00"_s, u"1403/01"_s, u"1403-01-01"_s,
+                                u"abcd/01/01"_s, u"1403/1 2/01"_s, u"1403/01/01/01"_s})
+        EXPECT_FALSE(ParseFarsiDate(text).isValid()) << qPrintable(text);
+}
+
+TEST(FarsiDateText, AgreesWithTheGregorianCalendar) {
+    EXPECT_EQ(ParseFarsiDate(u"1403/01/01"_s), QDate(2024, 3, 20));
+    EXPECT_EQ(ParseFarsiDate(u"1404/01/01"_s), QDate(2025, 3, 21));
+    EXPECT_EQ(ParseFarsiDate(u"1403/12/30"_s), QDate(2025, 3, 20));  // 1403 is a leap year
+    EXPECT_EQ(FarsiDateText(QDate(2024, 3, 19)), u"1402/12/29"_s);
+    EXPECT_EQ(FarsiDateText(QDate(2024, 9, 22)), u"1403/07/01"_s);
+}
 
 TEST(VarekDate, HoldsADateOrNothing) {
     VarekDate date;
@@ -69,7 +104,6 @@ TEST(VarekDate, TakesATypedDateOnlyWhenTheDayExists) {
     QTest::keyClick(date->calendarWidget()->findChild<QTableView*>(), Qt::Key_Return);
     EXPECT_EQ(changed.count(), 3);
     EXPECT_EQ(date->farsidate(), u"1403/01/01"_s);
-
     struct Refused {
         QString typed, seen;
         bool enter;  // else the clerk leaves the box

@@ -60,7 +60,6 @@ TEST_F(VarekSelectorTest, TheFilterHidesRetiredEmployees) {
     EXPECT_EQ(borrowers.Text(), u"2040 - حسين كاظمي"_s);
     borrowers.setValue(99);
     EXPECT_EQ(borrowers.Value(), -1);
-
     kav::Connection session;
     session.SetConnectionString(db.connectionString());
     VarekSelector s;
@@ -102,7 +101,6 @@ TEST_F(VarekSelectorTest, TheUserFindsAnEmployeeByCodeOrName) {
     w.key(Qt::Key_Return);
     EXPECT_EQ(s->Value(), 4);
     EXPECT_EQ(changed.count(), 1);
-
     // Part of a code: two matches, picked from the list.
     type(u"100"_s);
     EXPECT_EQ(s->completer()->completionCount(), 2);
@@ -112,7 +110,6 @@ TEST_F(VarekSelectorTest, TheUserFindsAnEmployeeByCodeOrName) {
     QTest::keyClick(popup, Qt::Key_Return);
     EXPECT_EQ(s->Value(), 2);
     EXPECT_EQ(changed.count(), 2);
-
     // An exact code chooses its employee; a retired one is not there; emptying the box is a
     // choice too; locked, nothing is chosen.
     EXPECT_EQ(chosen(u"1001"_s), 1);

@@ -78,7 +78,6 @@ TEST_F(AppTest, VersionAndHelpNeedNoDisplayAndTheWindowDoes) {
     EXPECT_EQ(window.code, 2);
     EXPECT_TRUE(window.err.contains(u"no display"_s));
 }
-
 // A database that does not open, a missing user, a bad option and a screenshot that cannot be
 // written exit with 2; a refused role with 3; none of them stores anything. A stored value
 // that cannot be read stops the start with its name, unless an option replaces it;
@@ -116,7 +115,6 @@ TEST_F(AppTest, FailedStartsExitWithTwoOrThreeAndStoreNothing) {
         EXPECT_TRUE(r.err.contains(c.says)) << r.err.toStdString();
         EXPECT_EQ(storedKeys(), QStringList());
     }
-
     store(u"abc"_s, connection);
     const Outcome stopped = run({});
     EXPECT_EQ(stopped.code, 2);
@@ -127,7 +125,6 @@ TEST_F(AppTest, FailedStartsExitWithTwoOrThreeAndStoreNothing) {
     EXPECT_EQ(run({u"--reset-settings"_s}).code, 0);
     EXPECT_EQ(storedKeys(), QStringList());
 }
-
 // The demo runs on the demo database whatever is stored, and makes it again when the file
 // there is empty. (The window then waits for the clerk; the test ends it.)
 TEST_F(AppTest, TheDemoMakesAnEmptyDemoDatabaseAgain) {
@@ -161,5 +158,4 @@ TEST_F(AppTest, TheDemoMakesAnEmptyDemoDatabaseAgain) {
     EXPECT_GT(employees, 0);
     EXPECT_TRUE(stillRunning) << QString::fromUtf8(p.readAllStandardError()).toStdString();
 }
-
 }  // namespace

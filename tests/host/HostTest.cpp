@@ -78,7 +78,6 @@ TEST_F(HostProperties, RoundTripUnderTheirNamesUntilTheDefaultAgain) {
     EXPECT_EQ(changed.takeFirst().at(0).toString(), u"PRSEmployeeID"_s);
     a.WriteProperties(bag);
     EXPECT_EQ(settings.allKeys().size(), 6);
-
     kavHRLoan1 b;
     b.setPRSEmployeeID(5);
     b.ReadProperties(bag);
@@ -190,30 +189,6 @@ TEST_F(HostTest, EntryMethodsRaiseAndAClosedWindowIsLoadedAfresh) {
     host->ClearShow();
     EXPECT_FALSE(t.module.HasWindow<FormHRLoan>());
     host->ClearShow();
-    EXPECT_EQ(shown, 2);
-}
-
-TEST_F(HostTest, BenchViewAndGridDoubleClick) {
-    host->TxtID->setText(u"abc"_s);
-    host->CmdView->click();  // through the handler boundary
-    EXPECT_EQ(shown, 0);
-    ASSERT_EQ(t.messages->shown.size(), 1);
-    EXPECT_EQ(t.messages->last().title, u"خطا"_s);
-
-    host->TxtID->setText(u"2"_s);
-    host->CmdView->click();
-    EXPECT_EQ(shown, 1);
-    auto* grid = host->FlexTempDocs;
-    grid->setCols(2);
-    grid->setRows(1);
-    host->FlexTempDocs_DblClick();  // header only
-    grid->setRows(3);
-    grid->setTextMatrix(1, 0, u"1"_s);
-    grid->setRow(2);  // empty first cell
-    host->FlexTempDocs_DblClick();
-    EXPECT_EQ(shown, 1);
-    grid->setRow(1);
-    host->FlexTempDocs_DblClick();
     EXPECT_EQ(shown, 2);
 }
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <limits>
 
 #include "base/Errors.h"
@@ -11,46 +12,41 @@
 using namespace Qt::StringLiterals;
 using namespace kav;
 using namespace kav::vb;
+using Kind = KavError::Kind;
 
-TEST(Conversions, ValReadsTheLeadingNumber) {
-    EXPECT_EQ(Val(u"12abc"_s), 12);
-    EXPECT_EQ(Val(u"  -3.5 rials"_s), -3.5);
-    EXPECT_EQ(Val(u"abc"_s), 0);
-    EXPECT_EQ(Val(QString()), 0);
-    EXPECT_EQ(Val(u".25"_s), 0.25);
-    EXPECT_EQ(Val(u"1 000"_s), 1000);  // blanks between digits are skipped
-    EXPECT_EQ(Val(u"1e3x"_s), 1000);
-    EXPECT_EQ(Val(u"1403/05/12"_s), 1403);
-    EXPECT_EQ(Val(u"1e-999"_s), 0);  // too small: nothing left
-    EXPECT_EQ(test::RaisedKind([] { Val(u"1e999"_s); }), KavError::Kind::Overflow);
-    EXPECT_EQ(test::RaisedKind([] { CDbl(u"-2E+400"_s); }), KavError::Kind::Overflow);
+namespace {
+
+// Each value as text, joined by blanks.
+template <class T, class F>
+QString each(std::initializer_list<T> values, F convert) {
+    QStringList out;
+    for (const T& v : values) out << QVariant::fromValue(convert(v)).toString();
+    return out.join(u' ');
 }
 
-TEST(Conversions, WholeNumbersRoundHalfToEvenAndOverflow) {
-    EXPECT_EQ(CInt(2.5), 2);
-    EXPECT_EQ(CInt(3.5), 4);
-    EXPECT_EQ(CInt(-2.5), -2);
-    EXPECT_EQ(CInt(2.500001), 3);
-    EXPECT_EQ(CInt(32767.4), 32767);
-    EXPECT_EQ(CInt(-32768.0), -32768);
-    EXPECT_EQ(test::RaisedKind([] { CInt(32767.5); }), KavError::Kind::Overflow);
-    EXPECT_EQ(test::RaisedKind([] { CInt(-32769.0); }), KavError::Kind::Overflow);
+}  // namespace
+
+// Val reads the leading number (blanks between digits skipped); CInt and CLng round half to
+// even; Int goes towards minus infinity; Str puts a blank before a positive number.
+TEST(Conversions, NumbersReadAndWrittenAsTheWindowsExpect) {
+    EXPECT_EQ(each({u"12abc"_s, u"  -3.5 rials"_s, u"abc"_s, QString(), u".25"_s, u"1 000"_s,
+                    u"1e3x"_s, u"1403/05/12"_s, u"1e-999"_s},
+                   [](const QString& t) { return Val(t); }),
+              u"12 -3.5 0 0 0.25 1000 1000 1403 0"_s);
+    EXPECT_EQ(each({2.5, 3.5, -2.5, 2.500001, 32767.4, -32768.0}, [](double d) { return CInt(d); }),
+              u"2 4 -2 3 32767 -32768"_s);
     EXPECT_EQ(CLng(2147483647.0), 2147483647);
-    EXPECT_EQ(test::RaisedKind([] { CLng(2147483648.0); }), KavError::Kind::Overflow);
     EXPECT_EQ(CInt(u" 12 "_s), 12);
-    EXPECT_EQ(test::RaisedKind([] { CInt(u"12a"_s); }), KavError::Kind::TypeMismatch);
-    EXPECT_EQ(test::RaisedKind([] { CLng(QString()); }), KavError::Kind::TypeMismatch);
-}
-
-TEST(Conversions, IntGoesTowardsMinusInfinityAndStrPutsABlank) {
-    EXPECT_EQ(Int(3.99), 3);
-    EXPECT_EQ(Int(-3.01), -4);
-    EXPECT_EQ(Str(1404), u" 1404"_s);
-    EXPECT_EQ(Str(0), u" 0"_s);
-    EXPECT_EQ(Str(-5), u"-5"_s);
-    EXPECT_EQ(Str(0.5), u" .5"_s);
-    EXPECT_EQ(CStr(333333), u"333333"_s);
-    EXPECT_EQ(CStr(1234.5), u"1234.5"_s);
+    EXPECT_EQ(each({3.99, -3.01}, [](double d) { return Int(d); }), u"3 -4"_s);
+    EXPECT_EQ(Str(1404) + u'|' + Str(0) + u'|' + Str(-5) + u'|' + Str(0.5), u" 1404| 0|-5| .5"_s);
+    EXPECT_EQ(CStr(333333) + u'|' + CStr(1234.5), u"333333|1234.5"_s);
+    const std::pair<std::function<void()>, Kind> refused[] = {
+        {[] { Val(u"1e999"_s); }, Kind::Overflow},     {[] { CDbl(u"-2E+400"_s); }, Kind::Overflow},
+        {[] { CInt(32767.5); }, Kind::Overflow},       {[] { CInt(-32769.0); }, Kind::Overflow},
+        {[] { CLng(2147483648.0); }, Kind::Overflow},  {[] { CInt(u"12a"_s); }, Kind::TypeMismatch},
+        {[] { CLng(QString()); }, Kind::TypeMismatch},
+    };
+    for (const auto& [call, kind] : refused) EXPECT_EQ(test::RaisedKind(call), kind);
 }
 
 TEST(Conversions, CurrencyKeepsFourDecimalsExactly) {
@@ -59,9 +55,9 @@ TEST(Conversions, CurrencyKeepsFourDecimalsExactly) {
     EXPECT_EQ(CCur(u"0.00015"_s).raw(), 2);
     EXPECT_EQ(CCur(u"-12.5"_s).toString(), u"-12.5"_s);
     EXPECT_EQ(CCur(1.0 / 3.0).toString(), u"0.3333"_s);
-    EXPECT_EQ(test::RaisedKind([] { CCur(u"12/345"_s); }), KavError::Kind::TypeMismatch);
-    EXPECT_EQ(test::RaisedKind([] { CCur(u"abc"_s); }), KavError::Kind::TypeMismatch);
-    EXPECT_EQ(test::RaisedKind([] { CCur(1e300); }), KavError::Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([] { CCur(u"12/345"_s); }), Kind::TypeMismatch);
+    EXPECT_EQ(test::RaisedKind([] { CCur(u"abc"_s); }), Kind::TypeMismatch);
+    EXPECT_EQ(test::RaisedKind([] { CCur(1e300); }), Kind::Overflow);
     EXPECT_LT(CCur(u"999"_s), CCur(u"1000"_s));
     EXPECT_EQ(CCur(u"1000"_s), CCur(1000.0));
 }
@@ -76,14 +72,13 @@ TEST(Conversions, CurrencyOverflowsAtTheEndsOfItsRange) {
     for (const QString& text :
          {u"922337203685477.5808"_s, u"922337203685477.9"_s, u"922337203685477.58075"_s,
           u"922337203685478"_s, u"-922337203685477.5809"_s, u"99999999999999999999"_s})
-        EXPECT_EQ(test::RaisedKind([&] { CCur(text); }), KavError::Kind::Overflow)
-            << text.toStdString();
-    EXPECT_EQ(test::RaisedKind([] { CCur(922337203685478.0); }), KavError::Kind::Overflow);
-    EXPECT_EQ(test::RaisedKind([] { CCur(-922337203685478.0); }), KavError::Kind::Overflow);
+        EXPECT_EQ(test::RaisedKind([&] { CCur(text); }), Kind::Overflow) << text.toStdString();
+    EXPECT_EQ(test::RaisedKind([] { CCur(922337203685478.0); }), Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([] { CCur(-922337203685478.0); }), Kind::Overflow);
     const Currency top = CCur(u"922337203685477"_s);
-    EXPECT_EQ(test::RaisedKind([&] { (void)(top + CCur(u"1"_s)); }), KavError::Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([&] { (void)(top + CCur(u"1"_s)); }), Kind::Overflow);
     EXPECT_EQ(test::RaisedKind([&] { (void)(CCur(u"-922337203685477"_s) - CCur(u"1"_s)); }),
-              KavError::Kind::Overflow);
+              Kind::Overflow);
     EXPECT_EQ((top - CCur(u"1"_s)).toString(), u"922337203685476"_s);
 }
 
@@ -114,5 +109,5 @@ TEST(TextProcedures, CellNumbersAndAmountsNeverMisread) {
     EXPECT_EQ(CellNumber(u"null"_s).toDouble(), 0);
     EXPECT_EQ(AmountValue(u"1/234/567"_s), 1234567);
     EXPECT_EQ(AmountCurrency(u"12/345/678/901"_s), CCur(u"12345678901"_s));
-    EXPECT_EQ(test::RaisedKind([] { AmountCurrency(u"x"_s); }), KavError::Kind::TypeMismatch);
+    EXPECT_EQ(test::RaisedKind([] { AmountCurrency(u"x"_s); }), Kind::TypeMismatch);
 }

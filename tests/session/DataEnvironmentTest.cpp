@@ -284,7 +284,6 @@ TEST(DataEnvironment, OpenSessionConnectionRepointsTheEnvironment) {
     Recordset& before = t.module.DtEn().rs();
     before.Open(u"select count(*) as n from tblEmployee"_s);
     EXPECT_EQ(before.Fields(u"n"_s).toInt(), 3);
-
     t.module.session.SessionConnectionString = other.connectionString();
     t.module.OpenSessionConnection();
     EXPECT_EQ(t.module.DtEn().cnt().ConnectionString(), other.connectionString());
@@ -292,7 +291,6 @@ TEST(DataEnvironment, OpenSessionConnectionRepointsTheEnvironment) {
     EXPECT_FALSE(after.IsOpen());  // a fresh environment, fresh recordsets
     after.Open(u"select count(*) as n from tblEmployee"_s);
     EXPECT_EQ(after.Fields(u"n"_s).toInt(), 1);
-
     for (const QString& cs : {u"0"_s, QString(), u"Provider=Nonsense;Data Source=x"_s,
                               u"Provider=SQLite;Data Source=/no/such/dir/x.db"_s}) {
         t.module.session.SessionConnectionString = cs;

@@ -27,7 +27,6 @@ TEST(Messages, AMissingOrFailingComponentAnswersNothing) {
     };
     EXPECT_EQ(AskQuestion(throwing, u"t"_s, u"q"_s), 0);
     EXPECT_EQ(AskQuestion(MessageFactory{}, u"t"_s, u"q"_s), 0);
-
     script->missing = false;
     script->failOnShow = true;
     script->answers = {1};

@@ -17,8 +17,12 @@ namespace kav::test {
 
 namespace {
 
-void reportFailure(const QString& sql, const QSqlQuery& q) {
-    ADD_FAILURE() << sql.toStdString() << "\n  -> " << q.lastError().text().toStdString();
+// The statement run on the database; a failing one fails the test and names the statement.
+QSqlQuery run(const QSqlDatabase& db, const QString& sql) {
+    QSqlQuery q(db);
+    if (!q.exec(sql))
+        ADD_FAILURE() << sql.toStdString() << "\n  -> " << q.lastError().text().toStdString();
+    return q;
 }
 
 }  // namespace
@@ -40,12 +44,7 @@ TestDatabase::~TestDatabase() {
 
 QString TestDatabase::connectionString() const { return data::EmbeddedConnectionString(file_); }
 
-bool TestDatabase::exec(const QString& sql) const {
-    QSqlQuery q(db_);
-    if (q.exec(sql)) return true;
-    reportFailure(sql, q);
-    return false;
-}
+bool TestDatabase::exec(const QString& sql) const { return run(db_, sql).isActive(); }
 
 void TestDatabase::exec(const QStringList& statements) const {
     for (const QString& sql : statements) exec(sql);
@@ -53,34 +52,23 @@ void TestDatabase::exec(const QStringList& statements) const {
 
 QList<Row> TestDatabase::rows(const QString& sql) const {
     QList<Row> out;
-    QSqlQuery q(db_);
-    if (!q.exec(sql)) {
-        reportFailure(sql, q);
-        return out;
-    }
-    while (q.next()) {
+    for (QSqlQuery q = run(db_, sql); q.next();) {
         Row r;
-        const QSqlRecord rec = q.record();
-        for (int i = 0; i < rec.count(); ++i) r.insert(rec.fieldName(i).toLower(), q.value(i));
+        for (int i = 0; i < q.record().count(); ++i)
+            r.insert(q.record().fieldName(i).toLower(), q.value(i));
         out << r;
     }
     return out;
 }
 
 QVariant TestDatabase::scalar(const QString& sql) const {
-    QSqlQuery q(db_);
-    if (!q.exec(sql)) {
-        reportFailure(sql, q);
-        return {};
-    }
+    QSqlQuery q = run(db_, sql);
     return q.next() ? q.value(0) : QVariant();
 }
 
 QStringList TestDatabase::table(const QString& sql) const {
     QStringList out;
-    QSqlQuery q(db_);
-    if (!q.exec(sql)) reportFailure(sql, q);
-    while (q.next()) {
+    for (QSqlQuery q = run(db_, sql); q.next();) {
         QStringList cells;
         for (int i = 0; i < q.record().count(); ++i)
             cells << (q.isNull(i) ? u"NULL"_s : q.value(i).toString());

@@ -31,33 +31,22 @@ QString checkScript() {
     return QFileInfo::exists(beside) ? QDir::cleanPath(beside) : QString();
 }
 
-QString node() {
-    for (const QString& name : {u"node"_s, u"nodejs"_s}) {
-        const QString path = QStandardPaths::findExecutable(name);
-        if (!path.isEmpty()) return path;
-    }
-    return {};
-}
-
 TsqlResult run(const QStringList& arguments) {
     TsqlResult r;
     const QString script = checkScript();
-    const QString nodePath = node();
-    if (script.isEmpty() || nodePath.isEmpty()) {
+    QString node = QStandardPaths::findExecutable(u"node"_s);
+    if (node.isEmpty()) node = QStandardPaths::findExecutable(u"nodejs"_s);
+    if (script.isEmpty() || node.isEmpty()) {
         r.output = script.isEmpty() ? u"tsql-check not found"_s : u"Node.js not found"_s;
         return r;
     }
     QProcess p;
     p.setProcessChannelMode(QProcess::MergedChannels);
-    p.start(nodePath, QStringList{script} + arguments);
-    if (!p.waitForFinished(120000)) {
-        r.available = true;
-        r.output = u"tsql-check did not finish"_s;
-        return r;
-    }
+    p.start(node, QStringList{script} + arguments);
     r.available = true;
-    r.output = QString::fromUtf8(p.readAll());
-    r.passed = p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
+    const bool finished = p.waitForFinished(120000);
+    r.output = finished ? QString::fromUtf8(p.readAll()) : u"tsql-check did not finish"_s;
+    r.passed = finished && p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
     return r;
 }
 

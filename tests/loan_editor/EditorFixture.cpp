@@ -2,6 +2,7 @@
 
 #include <QPushButton>
 
+#include "controls/FlexGrid.h"
 #include "controls/VarekSelector.h"
 
 using namespace Qt::StringLiterals;
@@ -54,8 +55,8 @@ PickerSteps Pick(qint32 employee, std::array<qint32, 3> guarantors) {
         Choose(*p.sltEmployeeID, employee);
         controls::VarekSelector* boxes[] = {p.sltSupportEmployeeID1, p.sltSupportEmployeeID2,
                                             p.sltSupportEmployeeID3};
-        for (int i = 0; i < 3; ++i)
-            if (guarantors[std::size_t(i)] != -1) Choose(*boxes[i], guarantors[std::size_t(i)]);
+        for (std::size_t i = 0; i < 3; ++i)
+            if (guarantors[i] != -1) Choose(*boxes[i], guarantors[i]);
         p.cmdOK->click();
     };
 }
@@ -73,6 +74,51 @@ void EditorTest::AddMembers(std::initializer_list<qint32> employees) {
         OnPicker(Pick(id));
         editor().cmdAddEmp_Click();
     }
+}
+
+void EditorTest::Edit(qint16 loan) {
+    editor().ViewPRSLoansInfo(loan);
+    editor().cmdEdit_Click();
+    ASSERT_EQ(mode(), ModeEdit);
+}
+
+QStringList EditorTest::Shown() {
+    QStringList out;
+    for (const ShownMessage& m : t.messages->shown)
+        out << (m.type == 1 ? u"? "_s : QString()) + m.title + u": "_s + m.text;
+    t.messages->shown.clear();
+    return out;
+}
+
+QString EditorTest::Snapshot() {
+    QString text;
+    for (const QString& sql :
+         {u"select * from tblHRLoan order by ID"_s, u"select * from tblHRLoanDetail order by ID"_s,
+          u"select * from sqlite_sequence order by name"_s})
+        for (const Row& r : t.db.rows(sql)) {
+            for (auto it = r.begin(); it != r.end(); ++it)
+                text += it.key() + u"="_s + (it->isNull() ? u"<null>"_s : it->toString()) + u";"_s;
+            text += u"\n"_s;
+        }
+    return text;
+}
+
+QString EditorTest::MemberRow(int row) {
+    QStringList cells;
+    for (int c = 0; c < editor().FlexEmployee->Cols(); ++c)
+        cells << editor().FlexEmployee->TextMatrix(row, c);
+    return cells.join(u'|');
+}
+
+QStringList EditorTest::MemberColumn(int col) {
+    QStringList cells;
+    for (int r = 1; r < editor().FlexEmployee->Rows(); ++r)
+        cells << editor().FlexEmployee->TextMatrix(r, col);
+    return cells;
+}
+
+QVariant EditorTest::Code(int loan) {
+    return Scalar(u"select Code from tblHRLoan where ID=%1"_s.arg(loan));
 }
 
 }  // namespace kav::test

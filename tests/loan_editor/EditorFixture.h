@@ -9,6 +9,7 @@
 
 #include "loan_editor/FormHREmployee.h"
 #include "loan_editor/FormHRLoan.h"
+#include "support/QtPrinters.h"
 #include "support/TestDatabase.h"
 
 namespace kav::test {
@@ -36,10 +37,22 @@ protected:
     void SetUp() override;
     FormHRLoan& editor() { return t.module.Window<FormHRLoan>(); }
     Session& session() { return t.module.session; }
+    qint32 mode() { return session().LoanFormMode; }
     // Every modal window from now on: the picker runs the steps, any other shows nothing.
     void OnPicker(PickerSteps steps);
     // Adds members through the picker, one cmdAddEmp click each.
     void AddMembers(std::initializer_list<qint32> employees);
+    // Shows the loan and starts an edit.
+    void Edit(qint16 loan);
+    // The messages shown since the last call as "title: text", a question as "? title: text".
+    QStringList Shown();
+    // Every table a save may write, as text.
+    QString Snapshot();
+    // A row of the member grid, its cells joined by '|', or a column of its data rows.
+    QString MemberRow(int row);
+    QStringList MemberColumn(int col);
+    QVariant Scalar(const QString& sql) { return t.db.scalar(sql); }
+    QVariant Code(int loan);
     TestModule t;
 };
 

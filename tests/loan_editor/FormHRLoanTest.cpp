@@ -1,3 +1,6 @@
+// The loan window: its mode table, permissions, loading, new, edit, cancel and closing, and
+// its terms and dates as a clerk drives them.
+
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
@@ -5,10 +8,10 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTest>
 
 #include "EditorFixture.h"
 #include "controls/FlexGrid.h"
-#include "controls/QtPrinters.h"
 #include "controls/VarekCurrency.h"
 #include "controls/VarekDate.h"
 
@@ -18,74 +21,57 @@ using namespace kav::test;
 
 namespace {
 
-// The whole mode table of the window. Kind 'E': enabled or disabled; 'L': locked or open.
-// Per mode (view, edit, new, empty): '1' on or locked, '0' off or open, 'T' on for a
-// temporary loan only, 'F' on for a final loan only, '-' left as it was.
+// Kind 'E': enabled; 'L': locked (read-only for a line edit). Per mode (view, edit, new,
+// empty): '1' on, '0' off, 'T' on for a temporary loan only, 'F' on for a final loan only,
+// '-' left as it was.
 struct ModeRow {
     const char* control;
     char kind;
     const char* modes;
 };
+// clang-format off
 const ModeRow kModeTable[] = {
-    {"cmdNew", 'E', "1001"},
-    {"mnuNew", 'E', "1001"},
-    {"cmdEdit", 'E', "T000"},
-    {"mnuEdit", 'E', "T000"},
-    {"cmdDelete", 'E', "T000"},
-    {"mnuDelete", 'E', "T000"},
-    {"cmdRegSave", 'E', "0110"},
-    {"cmdFinSave", 'E', "0110"},
-    {"mnuRegSave", 'E', "0110"},
-    {"mnuFinSave", 'E', "0110"},
-    {"cmdCancel", 'E', "0110"},
-    {"mnuCancel", 'E', "0110"},
-    {"cmdExit", 'E', "1001"},
-    {"mnuExit", 'E', "1001"},
-    {"cmdSearch", 'E', "1001"},
-    {"mnusearch", 'E', "1101"},
-    {"cmdBacktoTemp", 'E', "FF00"},
-    {"cmdBalance", 'E', "1000"},
-    {"cmdAddEmp", 'E', "0100"},
-    {"cmdAddOrdinanceEmployees", 'E', "0100"},
-    {"cmdDeleteEmp", 'E', "0000"},
-    {"cmdDefineAccount", 'E', "1000"},
-    {"cmbLoanType", 'E', "0110"},
-    {"datLoanPayDate", 'E', "0110"},
-    {"datBeginDate", 'E', "0110"},
-    {"datEndDate", 'E', "0110"},
-    {"txtLoanValue", 'L', "1001"},
-    {"TxtPerMonth", 'L', "1001"},
-    {"txtOriginalValue", 'L', "-001"},
-    {"txtNotes", 'L', "1001"},
-    {"txtPayBackNumber", 'L', "1001"},
-    {"UseRemainedValueInFirstMonthF", 'E', "0110"},
-    {"UseRemainedValueInFirstMonthL", 'E', "0110"},
-    {"UseRemainedValueInSeparatedLastMonth", 'E', "0110"},
-    {"chkISValid", 'E', "01--"},
+    {"cmdNew", 'E', "1001"}, {"mnuNew", 'E', "1001"}, {"cmdEdit", 'E', "T000"},
+    {"mnuEdit", 'E', "T000"}, {"cmdDelete", 'E', "T000"}, {"mnuDelete", 'E', "T000"},
+    {"cmdRegSave", 'E', "0110"}, {"cmdFinSave", 'E', "0110"}, {"mnuRegSave", 'E', "0110"},
+    {"mnuFinSave", 'E', "0110"}, {"cmdCancel", 'E', "0110"}, {"mnuCancel", 'E', "0110"},
+    {"cmdExit", 'E', "1001"}, {"mnuExit", 'E', "1001"}, {"cmdSearch", 'E', "1001"},
+    {"mnusearch", 'E', "1101"}, {"cmdBacktoTemp", 'E', "FF00"}, {"cmdBalance", 'E', "1000"},
+    {"cmdAddEmp", 'E', "0100"}, {"cmdAddOrdinanceEmployees", 'E', "0100"},
+    {"cmdDeleteEmp", 'E', "0000"}, {"cmdDefineAccount", 'E', "1000"}, {"cmbLoanType", 'E', "0110"},
+    {"datLoanPayDate", 'E', "0110"}, {"datBeginDate", 'E', "0110"}, {"datEndDate", 'E', "0110"},
+    {"txtLoanValue", 'L', "1001"}, {"TxtPerMonth", 'L', "1001"}, {"txtOriginalValue", 'L', "-001"},
+    {"txtNotes", 'L', "1001"}, {"txtPayBackNumber", 'L', "1001"},
+    {"UseRemainedValueInFirstMonthF", 'E', "0110"}, {"UseRemainedValueInFirstMonthL", 'E', "0110"},
+    {"UseRemainedValueInSeparatedLastMonth", 'E', "0110"}, {"chkISValid", 'E', "01--"},
 };
+// clang-format on
 
-// Enabled ('E') or locked ('L') as the clerk sees it.
-bool stateOf(FormHRLoan& w, const ModeRow& row) {
+// The row's state as the clerk sees it ("enabled", or for 'L' a line edit's "readOnly" or the
+// "locked" property); when `set` is given, set to it first.
+bool state(FormHRLoan& w, const ModeRow& row, std::optional<bool> set = {}) {
     const QString name = QString::fromLatin1(row.control);
-    if (auto* a = w.findChild<QAction*>(name)) return a->isEnabled();
-    QWidget* widget = w.findChild<QWidget*>(name);
-    if (row.kind == 'E') return widget->isEnabled();
-    if (auto* edit = qobject_cast<QLineEdit*>(widget)) return edit->isReadOnly();
-    return widget->property("locked").toBool();
+    QObject* o = w.findChild<QAction*>(name);
+    if (!o) o = w.findChild<QWidget*>(name);
+    const char* property = row.kind == 'E'               ? "enabled"
+                           : qobject_cast<QLineEdit*>(o) ? "readOnly"
+                                                         : "locked";
+    if (set) o->setProperty(property, *set);
+    return o->property(property).toBool();
 }
 
-void setState(FormHRLoan& w, const ModeRow& row, bool value) {
-    const QString name = QString::fromLatin1(row.control);
-    if (auto* a = w.findChild<QAction*>(name)) return a->setEnabled(value);
-    QWidget* widget = w.findChild<QWidget*>(name);
-    if (row.kind == 'E') return widget->setEnabled(value);
-    if (auto* edit = qobject_cast<QLineEdit*>(widget)) return edit->setReadOnly(value);
-    widget->setProperty("locked", value);
-}
-
-void setMode(FormHRLoan& w, Session& s, qint32 mode) {
-    s.LoanFormMode = mode;
-    w.DisableLockComponent();
+// The loan's fields as the clerk reads them, joined by '|', ending with the remainder option.
+QString Fields(FormHRLoan& w) {
+    QStringList f;
+    f << w.txtID->text() << w.txtCode->text() << w.cmbLoanType->currentText()
+      << w.txtLoanValue->Text() << w.txtOriginalValue->Text() << w.TxtPerMonth->Text()
+      << w.txtPayBackNumber->text() << w.txtRem->Text() << w.datLoanPayDate->farsidate()
+      << w.datBeginDate->farsidate() << w.datEndDate->farsidate() << w.txtNotes->text();
+    f << (w.UseRemainedValueInFirstMonthF->isChecked()          ? u"first"_s
+          : w.UseRemainedValueInFirstMonthL->isChecked()        ? u"last"_s
+          : w.UseRemainedValueInSeparatedLastMonth->isChecked() ? u"separate"_s
+                                                                : u"none"_s);
+    return f.join(u'|');
 }
 
 }  // namespace
@@ -99,8 +85,9 @@ TEST_F(EditorTest, EveryControlInEveryModeForTemporaryAndFinalLoans) {
         for (qint32 mode = 0; mode <= 3; ++mode) {
             // Every control starts both ways, so "left as it was" shows as well.
             for (const bool before : {false, true}) {
-                for (const ModeRow& row : kModeTable) setState(w, row, before);
-                setMode(w, session(), mode);
+                for (const ModeRow& row : kModeTable) state(w, row, before);
+                session().LoanFormMode = mode;
+                w.DisableLockComponent();
                 EXPECT_EQ(w.windowTitle(), titles[mode]);
                 for (const ModeRow& row : kModeTable) {
                     const char cell = row.modes[mode];
@@ -108,7 +95,7 @@ TEST_F(EditorTest, EveryControlInEveryModeForTemporaryAndFinalLoans) {
                                       : cell == 'T' ? !final
                                       : cell == 'F' ? final
                                                     : cell == '1';
-                    EXPECT_EQ(stateOf(w, row), want)
+                    EXPECT_EQ(state(w, row), want)
                         << row.control << " mode " << mode << (final ? " final" : " temporary")
                         << " was " << before;
                 }
@@ -119,298 +106,301 @@ TEST_F(EditorTest, EveryControlInEveryModeForTemporaryAndFinalLoans) {
 
 TEST_F(EditorTest, EachCommandNeedsItsOwnPermission) {
     auto& w = editor();
-    struct Case {
-        qint32 revoked;
-        bool mayCreate, mayEdit, mayDelete;
-    };
-    for (const Case& c : {Case{0, true, true, true}, Case{111802, false, true, false},
-                          Case{111803, true, false, true}}) {
+    const QString refusal = u"خطا: شما فاقد نقش مورد نظر هستيد. به نگهدارنده سيستم رجوع فرمائيد."_s;
+    // Revoked one at a time: New and Delete need 111802, Edit 111803.
+    for (const qint32 revoked : {0, 111802, 111803}) {
+        SCOPED_TRACE(revoked);
         t.db.exec(u"delete from tblVarekUserPermission"_s);
         for (const qint32 p : {111801, 111802, 111803})
-            if (p != c.revoked) t.grant(1, {p});
-        const QString why = QString::number(c.revoked);
-        auto refused = [&] {
-            return !t.messages->shown.isEmpty() && t.messages->last().title == u"خطا"_s &&
-                   t.messages->last().text ==
-                       u"شما فاقد نقش مورد نظر هستيد. به نگهدارنده سيستم رجوع فرمائيد."_s;
-        };
-
+            if (p != revoked) t.grant(1, {p});
         w.ViewPRSLoansInfo(TemporaryLoan);
-        t.messages->shown.clear();
         w.cmdNew_Click();
-        EXPECT_EQ(session().LoanFormMode, c.mayCreate ? ModeNew : ModeView) << why.toStdString();
-        EXPECT_EQ(refused(), !c.mayCreate) << why.toStdString();
-
+        EXPECT_EQ(mode(), revoked == 111802 ? ModeView : ModeNew);
+        EXPECT_EQ(Shown(), revoked == 111802 ? QStringList{refusal} : QStringList());
         w.ViewPRSLoansInfo(TemporaryLoan);
-        t.messages->shown.clear();
         w.cmdEdit_Click();
-        EXPECT_EQ(session().LoanFormMode, c.mayEdit ? ModeEdit : ModeView) << why.toStdString();
-        EXPECT_EQ(refused(), !c.mayEdit) << why.toStdString();
-
+        EXPECT_EQ(mode(), revoked == 111803 ? ModeView : ModeEdit);
+        EXPECT_EQ(Shown(), revoked == 111803 ? QStringList{refusal} : QStringList());
         w.ViewPRSLoansInfo(TemporaryLoan);
-        t.messages->shown.clear();
-        t.messages->answers = {0};  // allowed, the delete is asked and then declined
+        t.messages->answers = {0};  // allowed: the delete is asked and declined
         w.cmdDelete_Click();
-        EXPECT_EQ(refused(), !c.mayDelete) << why.toStdString();
-        EXPECT_EQ(t.messages->shown.size(), 1);
-        EXPECT_EQ(t.db.scalar(u"select count(*) from tblHRLoan where ID=1"_s).toInt(), 1);
+        EXPECT_EQ(
+            Shown(),
+            QStringList{revoked == 111802 ? refusal : u"? حذف  وام کارمندان: آيا مطمئن هستيد؟"_s});
+        EXPECT_EQ(Scalar(u"select count(*) from tblHRLoan where ID=1"_s).toInt(), 1);
     }
 }
 
-TEST_F(EditorTest, OpeningAFinalAndATemporaryLoan) {
+TEST_F(EditorTest, LoadsEachKindOfLoanIntoItsFieldsAndMembers) {
     auto& w = editor();
-    EXPECT_TRUE(w.ViewPRSLoansInfo(FinalLoan));
-    EXPECT_EQ(session().CurrentLoanID, FinalLoan);
-    EXPECT_EQ(w.windowTitle(), u"وام کارمندان (مشاهده)"_s);
-    EXPECT_EQ(w.txtCode->text(), u"7"_s);
-    EXPECT_FALSE(w.cmdEdit->isEnabled());
-    EXPECT_FALSE(w.cmdDelete->isEnabled());
-    EXPECT_TRUE(w.cmdBacktoTemp->isEnabled());
-    EXPECT_TRUE(w.UseRemainedValueInFirstMonthL->isChecked());
-
-    w.ViewPRSLoansInfo(TemporaryLoan);
-    EXPECT_TRUE(w.cmdEdit->isEnabled());
-    EXPECT_TRUE(w.cmdDelete->isEnabled());
-    EXPECT_FALSE(w.cmdBacktoTemp->isEnabled());
-    EXPECT_EQ(w.txtID->text(), u"1"_s);
-    EXPECT_EQ(w.cmbLoanType->currentText(), u"قرض الحسنه"_s);
-    EXPECT_EQ(w.txtLoanValue->Value(), u"1000000"_s);
-    EXPECT_EQ(w.txtOriginalValue->Value(), u"1200000"_s);
-    EXPECT_EQ(w.TxtPerMonth->Value(), u"83333"_s);
-    EXPECT_EQ(w.txtPayBackNumber->text(), u"12"_s);
-    EXPECT_EQ(w.txtRem->Value(), u"4"_s);  // 1000000 - 83333 x 12
-    EXPECT_EQ(w.datLoanPayDate->farsidate(), u"1403/01/06"_s);
-    EXPECT_EQ(w.datBeginDate->farsidate(), u"1403/01/31"_s);
-    EXPECT_EQ(w.datEndDate->farsidate(), u"1403/12/30"_s);
-    EXPECT_EQ(w.txtNotes->text(), u"وام مسکن"_s);
-    EXPECT_TRUE(w.UseRemainedValueInFirstMonthF->isChecked());
+    const std::pair<SeedLoan, QString> loans[] = {
+        {TemporaryLoan,
+         u"1||قرض الحسنه|1/000/000|1/200/000|83/333|12|4|1403/01/06|1403/01/31|1403/12/30|وام مسکن|first"_s},
+        {FinalLoan, u"2|7|ضروري|900|900|300|3|0|1403/01/06|1403/01/31|1403/03/31||last"_s},
+        {SeparateLoan,
+         u"4||قرض الحسنه|1000|1000|300|3|100|1403/01/06|1403/01/31|1403/03/31||separate"_s},
+        // Begin and end dates show only when their Gregorian dates are stored.
+        {SparseLoan, u"3||ضروري|500|||||||||none"_s},
+    };
+    for (const auto& [loan, fields] : loans) {
+        SCOPED_TRACE(loan);
+        EXPECT_TRUE(w.ViewPRSLoansInfo(loan));
+        EXPECT_EQ(Fields(w), fields);
+        EXPECT_EQ(session().CurrentLoanID, loan);
+        EXPECT_EQ(mode(), ModeView);
+        EXPECT_EQ(w.cmdEdit->isEnabled(), loan != FinalLoan);
+        EXPECT_EQ(w.cmdBacktoTemp->isEnabled(), loan == FinalLoan);
+        EXPECT_EQ(w.FlexEmployee->Rows(), loan == TemporaryLoan ? 3 : loan == FinalLoan ? 2 : 1);
+    }
     EXPECT_EQ(w.StateValue(), 1);
-}
-
-TEST_F(EditorTest, FillLoanWithNullsAndEachRemainderOption) {
-    auto& w = editor();
-    w.ViewPRSLoansInfo(SeparateLoan);
-    EXPECT_TRUE(w.UseRemainedValueInSeparatedLastMonth->isChecked());
-    w.ViewPRSLoansInfo(SparseLoan);
-    EXPECT_FALSE(w.UseRemainedValueInFirstMonthF->isChecked());
-    EXPECT_FALSE(w.UseRemainedValueInFirstMonthL->isChecked());
-    EXPECT_FALSE(w.UseRemainedValueInSeparatedLastMonth->isChecked());
-    EXPECT_EQ(w.cmbLoanType->currentText(), u"ضروري"_s);
-    EXPECT_TRUE(w.datLoanPayDate->IsEmpty());
-    // Begin and end dates show only when their Gregorian dates are stored.
-    EXPECT_TRUE(w.datBeginDate->IsEmpty());
-    EXPECT_TRUE(w.datEndDate->IsEmpty());
-    EXPECT_TRUE(w.TxtPerMonth->Text().isEmpty());
-    EXPECT_TRUE(w.txtPayBackNumber->text().isEmpty());
-    EXPECT_TRUE(w.txtNotes->text().isEmpty());
-    EXPECT_TRUE(w.txtOriginalValue->Text().isEmpty());
-    EXPECT_TRUE(w.txtRem->Text().isEmpty());
-    EXPECT_EQ(w.txtLoanValue->Value(), u"500"_s);
-    EXPECT_EQ(w.FlexEmployee->Rows(), 1);
-}
-
-TEST_F(EditorTest, MembersShowWithGuarantorsAndNullMarkers) {
-    auto& w = editor();
     w.ViewPRSLoansInfo(TemporaryLoan);
+    EXPECT_EQ(MemberRow(0).section(u'|', 2, 2), u"کد   کارمند"_s);
+    EXPECT_EQ(MemberRow(1), u"1|1|1001|علي  رضايي|مريم احمدي|حسن کريمي||2|3|null"_s);
+    EXPECT_EQ(MemberRow(2), u"2|4|1004|زهرا  موسوي||||null|null|null"_s);
     const auto* g = w.FlexEmployee;
-    ASSERT_EQ(g->Rows(), 3);
-    EXPECT_EQ(g->Cols(), 10);
-    EXPECT_EQ(g->TextMatrix(0, 2), u"کد   کارمند"_s);
-    EXPECT_EQ(g->TextMatrix(1, 0), u"1"_s);
-    EXPECT_EQ(g->TextMatrix(1, 1), u"1"_s);
-    EXPECT_EQ(g->TextMatrix(1, 2), u"1001"_s);
-    EXPECT_EQ(g->TextMatrix(1, 3), u"علي  رضايي"_s);  // two blanks when loaded
-    EXPECT_EQ(g->TextMatrix(1, 4), u"مريم احمدي"_s);
-    EXPECT_EQ(g->TextMatrix(1, 5), u"حسن کريمي"_s);
-    EXPECT_EQ(g->TextMatrix(1, 7), u"2"_s);
-    EXPECT_EQ(g->TextMatrix(1, 9), u"null"_s);
-    EXPECT_EQ(g->TextMatrix(2, 7), u"null"_s);
-    EXPECT_EQ(g->ColWidth(1), 0);
-    EXPECT_EQ(g->ColWidth(7), 2000);
-    EXPECT_EQ(g->ColWidth(8), 0);
-    // Loading another loan shows only its members.
-    w.ViewPRSLoansInfo(FinalLoan);
-    EXPECT_EQ(g->Rows(), 2);
+    EXPECT_EQ((QList<int>{g->ColWidth(1), g->ColWidth(7), g->ColWidth(8)}),
+              (QList<int>{0, 2000, 0}));
 }
 
 TEST_F(EditorTest, NewClearsAndProposesTheDefaultDates) {
     auto& w = editor();
     w.ViewPRSLoansInfo(TemporaryLoan);
     w.cmdNew_Click();
-    EXPECT_EQ(session().LoanFormMode, ModeNew);
+    EXPECT_EQ(mode(), ModeNew);
     EXPECT_EQ(w.lblMessage->text(), u"وام کارمندان جديد"_s);
-    EXPECT_EQ(w.txtID->text(), u"1"_s);  // Clear leaves the id alone
-    EXPECT_TRUE(w.txtCode->text().isEmpty());
-    EXPECT_TRUE(w.txtLoanValue->Text().isEmpty());
-    EXPECT_EQ(w.cmbLoanType->currentIndex(), -1);
+    // The id stays; payment on the working date (parameter 3450), the first instalment on
+    // the last day of its month.
+    EXPECT_EQ(Fields(w), u"1||||||||1403/05/20|1403/05/31|||separate"_s);
     EXPECT_EQ(w.cmbLoanType->count(), 2);
     EXPECT_EQ(w.FlexEmployee->Rows(), 1);
-    EXPECT_TRUE(w.UseRemainedValueInSeparatedLastMonth->isChecked());
     EXPECT_FALSE(w.chkISValid->isChecked());
-    // Payment date from parameter 3450, first instalment the last day of its month.
-    EXPECT_EQ(w.datLoanPayDate->farsidate(), u"1403/05/20"_s);
-    EXPECT_EQ(w.datBeginDate->farsidate(), u"1403/05/31"_s);
-    EXPECT_TRUE(w.datEndDate->IsEmpty());
-    EXPECT_TRUE(t.messages->shown.isEmpty());
+    EXPECT_EQ(Shown(), QStringList());
+    t.db.exec(u"delete from tblVarekSystemParameters"_s);  // without it, today
+    t.module.UnloadWindow<FormHRLoan>();
+    editor().cmdNew_Click();
+    EXPECT_EQ(editor().datLoanPayDate->englishdate(), QDate::currentDate());
 }
 
-TEST_F(EditorTest, DefaultPaymentDateIsTodayWithoutTheParameter) {
-    t.db.exec(u"delete from tblVarekSystemParameters"_s);
-    const QCalendar jalali(QCalendar::System::Jalali);
-    const auto today = jalali.partsFromDate(QDate::currentDate());
-    EXPECT_EQ(editor().DefaultPayDate(), u"%1/%2/%3"_s.arg(today.year)
-                                             .arg(today.month, 2, 10, QChar(u'0'))
-                                             .arg(today.day, 2, 10, QChar(u'0')));
-}
-
-TEST_F(EditorTest, EditStartsAnEditUnlessPayslipsHoldTheLoan) {
+TEST_F(EditorTest, EditThenCancelReloadsOnlyOnYes) {
     auto& w = editor();
-    w.ViewPRSLoansInfo(PaidLoan);
-    w.cmdEdit_Click();
-    EXPECT_EQ(session().LoanFormMode, ModeView);
-    ASSERT_EQ(t.messages->shown.size(), 1);
-    EXPECT_EQ(t.messages->last().title, u"اشکال"_s);
-    EXPECT_EQ(t.messages->last().text,
-              u"به دليل محاسبه در فيش هاي حقوقي (2 عدد)، امکان حذف وجود ندارد!"_s);
-
-    w.ViewPRSLoansInfo(TemporaryLoan);
-    w.cmdEdit_Click();
-    EXPECT_EQ(session().LoanFormMode, ModeEdit);
+    Edit(TemporaryLoan);
     EXPECT_EQ(session().LoanEditStarted, 1);
     EXPECT_EQ(w.lblMessage->text(), u"اصلاح وام کارمندان"_s);
-    EXPECT_EQ(w.windowTitle(), u"وام کارمندان (ويرايش)"_s);
-}
-
-TEST_F(EditorTest, CancelReloadsAStoredLoanOrEmptiesTheWindow) {
-    auto& w = editor();
-    w.ViewPRSLoansInfo(TemporaryLoan);
-    w.cmdEdit_Click();
     w.txtLoanValue->setText(u"5"_s);
     w.txtNotes->setText(u"changed"_s);
-
-    for (const QVariant& answer : {QVariant(0), QVariant(5)}) {  // no, and no answer
+    for (const int answer : {0, 5}) {  // no, and no answer
         t.messages->answers = {answer};
         w.cmdCancel_Click();
-        EXPECT_EQ(session().LoanFormMode, ModeEdit);
+        EXPECT_EQ(Shown(), QStringList{u"? انصراف از ثبت وام کارمندان: آيا مطمئن هستيد؟"_s});
+        EXPECT_EQ(mode(), ModeEdit);
         EXPECT_EQ(w.txtNotes->text(), u"changed"_s);
     }
-    EXPECT_EQ(t.messages->last().title, u"انصراف از ثبت وام کارمندان"_s);
-    EXPECT_EQ(t.messages->last().text, u"آيا مطمئن هستيد؟"_s);
-
     t.messages->answers = {1};
     w.cmdCancel_Click();
-    EXPECT_EQ(session().LoanFormMode, ModeView);
+    EXPECT_EQ(mode(), ModeView);
     EXPECT_EQ(session().LoanEditStarted, 0);
-    EXPECT_EQ(w.txtLoanValue->Value(), u"1000000"_s);
-    EXPECT_EQ(w.txtNotes->text(), u"وام مسکن"_s);
+    EXPECT_EQ(w.txtLoanValue->Value() + w.txtNotes->text(), u"1000000وام مسکن"_s);
     EXPECT_TRUE(w.lblMessage->text().isEmpty());
-
-    w.cmdNew_Click();
+    w.cmdNew_Click();  // a new loan never saved: the window empties
     w.txtID->clear();
     w.txtLoanValue->setText(u"5"_s);
     t.messages->answers = {1};
     w.cmdCancel_Click();
-    EXPECT_EQ(session().LoanFormMode, ModeEmpty);
+    EXPECT_EQ(mode(), ModeEmpty);
     EXPECT_TRUE(w.txtLoanValue->Text().isEmpty());
-    EXPECT_EQ(w.windowTitle(), u"وام کارمندان"_s);
 }
 
 TEST_F(EditorTest, UnloadAsksByModeAndOnlyNoKeepsTheWindow) {
     auto& w = editor();
-    struct Case {
-        qint16 loan;
-        qint32 mode;
-        const char* question;  // nullptr: closes without asking
-    };
     const QString temporary =
-        u"در صورتي که اطلاعات را ثبت قطعي نکنيد، در محاسبات فيش حقوقي لحاظ نخواهد شد، آيا قصد خروج داريد؟"_s;
+        u"? هشدار: در صورتي که اطلاعات را ثبت قطعي نکنيد، در محاسبات فيش حقوقي لحاظ نخواهد شد، آيا قصد خروج داريد؟"_s;
     const QString editing =
-        u"اطلاعات ممکن است تغيير کرده باشد، آيا قصد خروج بدون ثبت تغييرات داريد؟"_s;
+        u"? هشدار: اطلاعات ممکن است تغيير کرده باشد، آيا قصد خروج بدون ثبت تغييرات داريد؟"_s;
     for (const qint32 mode : {0, 1, 2, 3}) {
         for (const bool final : {false, true}) {
             w.ViewPRSLoansInfo(final ? FinalLoan : TemporaryLoan);
             session().LoanFormMode = mode;
-            for (const QVariant& answer : {QVariant(1), QVariant(0), QVariant(5)}) {
-                t.messages->shown.clear();
+            for (const int answer : {1, 0, 5}) {
+                SCOPED_TRACE(testing::Message() << mode << final << answer);
                 t.messages->answers = {answer};
                 const bool closes = w.Form_Unload();
                 const bool asks = (mode == 0 && !final) || mode == 1 || mode == 2;
-                ASSERT_EQ(t.messages->shown.size(), asks ? 1 : 0) << mode << final;
-                if (!asks) {
-                    EXPECT_TRUE(closes);
-                    continue;
-                }
-                EXPECT_EQ(t.messages->last().title, u"هشدار"_s);
-                EXPECT_EQ(t.messages->last().text, mode == 0 ? temporary : editing);
-                EXPECT_EQ(closes, answer.toInt() != 0) << "answer " << answer.toInt();
+                EXPECT_EQ(Shown(),
+                          asks ? QStringList{mode == 0 ? temporary : editing} : QStringList());
+                EXPECT_EQ(closes, !asks || answer != 0);
             }
         }
     }
-}
-
-TEST_F(EditorTest, ClosingByTheExitButtonRunsTheQuestions) {
-    auto& w = editor();
-    w.show();
+    w.show();  // the exit button goes through the same questions
     w.ViewPRSLoansInfo(TemporaryLoan);
     t.messages->answers = {0};
     w.cmdExit_Click();
-    EXPECT_TRUE(w.isVisible());
-    EXPECT_FALSE(w.IsUnloaded());
+    EXPECT_TRUE(w.isVisible() && !w.IsUnloaded());
     t.messages->answers = {1};
     w.cmdExit_Click();
-    EXPECT_FALSE(w.isVisible());
-    EXPECT_TRUE(w.IsUnloaded());
+    EXPECT_TRUE(!w.isVisible() && w.IsUnloaded());
 }
 
 TEST_F(EditorTest, TimerKeepsSaveAndMemberButtonsInStep) {
     auto& w = editor();
+    auto buttons = [&] {  // the two saves, then the three member buttons
+        w.Timer1_Timer();
+        QString on;
+        for (const QPushButton* b :
+             {w.cmdRegSave, w.cmdFinSave, w.cmdAddEmp, w.cmdAddOrdinanceEmployees, w.cmdDeleteEmp})
+            on += b->isEnabled() ? u'1' : u'0';
+        return on.insert(2, u' ');
+    };
     w.cmdNew_Click();
-    w.Timer1_Timer();
-    EXPECT_FALSE(w.cmdRegSave->isEnabled());
-    EXPECT_FALSE(w.cmdFinSave->isEnabled());
+    EXPECT_EQ(buttons(), u"00 000"_s);
     w.txtLoanValue->setText(u"1000"_s);
     w.cmbLoanType->setCurrentIndex(0);
-    w.Timer1_Timer();
-    EXPECT_FALSE(w.cmdRegSave->isEnabled());  // no end date yet
+    EXPECT_EQ(buttons(), u"00 000"_s);  // no end date yet
     w.datEndDate->setFarsidate(u"1403/12/29"_s);
-    w.Timer1_Timer();
-    EXPECT_TRUE(w.cmdRegSave->isEnabled());
-    EXPECT_TRUE(w.cmdFinSave->isEnabled());
-    EXPECT_FALSE(w.cmdAddEmp->isEnabled());  // members only while editing
-    EXPECT_FALSE(w.cmdAddOrdinanceEmployees->isEnabled());
-
-    w.ViewPRSLoansInfo(SparseLoan);  // no members
-    w.cmdEdit_Click();
+    EXPECT_EQ(buttons(), u"11 000"_s);  // members only while editing
+    Edit(SparseLoan);                   // no members, no end date
     w.cmdDeleteEmp->setEnabled(true);
-    w.Timer1_Timer();
-    EXPECT_TRUE(w.cmdAddEmp->isEnabled());
-    EXPECT_TRUE(w.cmdAddOrdinanceEmployees->isEnabled());
-    EXPECT_FALSE(w.cmdDeleteEmp->isEnabled());
-    EXPECT_FALSE(w.cmdRegSave->isEnabled());  // no end date
-
-    w.ViewPRSLoansInfo(TemporaryLoan);  // two members
-    w.cmdEdit_Click();
+    EXPECT_EQ(buttons(), u"00 110"_s);
+    Edit(TemporaryLoan);  // two members: delete is left to the grid's own clicks
     w.cmdDeleteEmp->setEnabled(true);
-    w.Timer1_Timer();
-    EXPECT_TRUE(w.cmdDeleteEmp->isEnabled());  // left to the grid's own clicks
-    EXPECT_TRUE(w.cmdRegSave->isEnabled());
-
-    session().LoanFormMode = ModeView;
+    EXPECT_EQ(buttons(), u"11 111"_s);
+    session().LoanFormMode = ModeView;  // view mode leaves the saves alone
     w.cmdRegSave->setEnabled(false);
-    w.Timer1_Timer();
-    EXPECT_FALSE(w.cmdAddEmp->isEnabled());
-    EXPECT_FALSE(w.cmdDeleteEmp->isEnabled());
-    EXPECT_FALSE(w.cmdRegSave->isEnabled());  // view mode leaves the saves alone
-}
-
-TEST_F(EditorTest, MenuItemsForwardOnlyToEnabledButtons) {
-    auto& w = editor();
-    w.ViewPRSLoansInfo(TemporaryLoan);
-    w.cmdNew->setEnabled(false);
+    EXPECT_EQ(buttons(), u"01 000"_s);
+    w.cmdNew->setEnabled(false);  // a menu item forwards only to an enabled button
     w.mnuNew->setEnabled(true);
     w.mnuNew->trigger();
-    EXPECT_EQ(session().LoanFormMode, ModeView);
+    EXPECT_EQ(mode(), ModeView);
     w.cmdNew->setEnabled(true);
     w.mnuNew->trigger();
-    EXPECT_EQ(session().LoanFormMode, ModeNew);
+    EXPECT_EQ(mode(), ModeNew);
+}
+
+namespace {
+
+class TermsTest : public EditorTest {
+protected:
+    void SetUp() override {
+        EditorTest::SetUp();
+        editor().cmdNew_Click();
+        Shown();
+    }
+    void chooseType(int index) {
+        editor().cmbLoanType->setCurrentIndex(index);
+        editor().cmbLoanType_Click();
+    }
+    // Instalment, count, remainder, settlement date, and which of the first-month and
+    // last-month options, their label and the separate-month option are enabled.
+    QString terms() {
+        auto& w = editor();
+        QString on;
+        for (const QWidget* b : std::initializer_list<const QWidget*>{
+                 w.UseRemainedValueInFirstMonthF, w.UseRemainedValueInFirstMonthL,
+                 w.UseRemainedValueInFirstMonth, w.UseRemainedValueInSeparatedLastMonth})
+            on += b->isEnabled() ? u'1' : u'0';
+        return QStringList{w.TxtPerMonth->Value(), w.txtPayBackNumber->text(), w.txtRem->Value(),
+                           w.datEndDate->farsidate(), on}
+            .join(u' ');
+    }
+    void enterCount(const QString& count) {
+        editor().txtPayBackNumber_GotFocus();
+        editor().txtPayBackNumber->setText(count);
+        editor().txtPayBackNumber_LostFocus();
+    }
+};
+
+}  // namespace
+
+TEST_F(TermsTest, TheTypeShowsItsCeilingAndTheBoxesDriveEachOther) {
+    auto& w = editor();
+    chooseType(1);  // no ceiling
+    EXPECT_TRUE(w.txtMaxLoanValue->Text().isEmpty());
+    chooseType(0);
+    EXPECT_EQ(w.txtMaxLoanValue->Value() + w.cmbLoanType->toolTip(), u"50000000قرض الحسنه"_s);
+    w.txtLoanValue->setText(u"50000000"_s);
+    w.txtLoanValue_LostFocus();
+    EXPECT_EQ(Shown(), QStringList());
+    w.txtLoanValue->setText(u"50000001"_s);  // warned, but kept
+    w.txtLoanValue_LostFocus();
+    EXPECT_EQ(Shown(),
+              QStringList{u"هشدار: مبلغ درخواستي شما از سقف  وام (50000000) بيشتر شده است."_s});
+    w.txtLoanValue->setText(u"1000000"_s);
+    w.datBeginDate->setFarsidate(u"1403/02/15"_s);
+    enterCount(u"12"_s);
+    EXPECT_EQ(terms(), u"83333 12 4 1404/01/31 1111"_s);
+    w.txtLoanValue->setText(u"900"_s);
+    enterCount(u"3"_s);
+    EXPECT_EQ(terms(), u"300 3 0 1403/04/31 0001"_s);
+    w.txtLoanValue->setText(u"1000"_s);
+    enterCount(u"3"_s);  // the count left as it was: nothing recomputed
+    EXPECT_EQ(terms(), u"300 3 0 1403/04/31 0001"_s);
+    w.txtLoanValue->setText(u"1/000"_s);
+    w.TxtPerMonth_GotFocus();
+    w.TxtPerMonth->setText(u"500"_s);
+    w.TxtPerMonth_LostFocus();
+    EXPECT_EQ(terms(), u"500 2 0 1403/03/31 0001"_s);
+    w.cmbLoanType_KeyDown(46);  // Delete empties the type and its ceiling
+    EXPECT_EQ(w.cmbLoanType->currentIndex(), -1);
+    EXPECT_TRUE(w.txtMaxLoanValue->Text().isEmpty());
+}
+
+TEST_F(TermsTest, ArithmeticErrorsAreShownNotThrown) {
+    auto& w = editor();
+    chooseType(0);
+    w.txtLoanValue->setText(u"1000"_s);
+    w.datBeginDate->setFarsidate(u"1403/02/15"_s);
+    w.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&w));
+    // A count beyond 16 bits fails the settlement date, the first step: nothing is written.
+    // A count that rounds to 0 fails only the modulo of the last step: what was computed
+    // before it stays written.
+    for (const auto& [count, perMonth] : {std::pair{u"40000"_s, u"77"_s}, {u"0.4"_s, u"2500"_s}}) {
+        SCOPED_TRACE(count.toStdString());
+        w.TxtPerMonth->setText(u"77"_s);
+        w.datEndDate->Clear();
+        // Through the box's own focus changes, as the event loop delivers them.
+        w.txtPayBackNumber->setFocus();
+        QApplication::processEvents();
+        w.txtPayBackNumber->setText(count);
+        w.txtNotes->setFocus();
+        QApplication::processEvents();
+        EXPECT_TRUE(Shown().value(0).startsWith(u"خطا: "_s));
+        EXPECT_EQ(w.TxtPerMonth->Value(), perMonth);
+        EXPECT_EQ(w.datEndDate->IsEmpty(), count == u"40000");
+        EXPECT_EQ(mode(), ModeNew);
+    }
+}
+
+TEST_F(TermsTest, TypingAnAmountWithoutATypeWarnsAndLandsNothing) {
+    auto& w = editor();
+    w.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&w));
+    w.txtLoanValue->SetFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_5, Qt::NoModifier);
+    EXPECT_EQ(Shown(), QStringList{u"هشدار: ابتدا نوع وام را مشخص كنيد."_s});
+    EXPECT_TRUE(w.txtLoanValue->Text().isEmpty());
+    EXPECT_TRUE(w.cmbLoanType->hasFocus());
+    chooseType(0);
+    w.txtLoanValue->SetFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::NoModifier);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_7, Qt::NoModifier);
+    EXPECT_EQ(w.txtLoanValue->Value(), u"7"_s);
+}
+
+TEST_F(TermsTest, DateOrderRules) {
+    auto& w = editor();
+    w.datLoanPayDate->setFarsidate(u"1403/05/20"_s);
+    w.datBeginDate->setFarsidate(u"1403/05/10"_s);
+    w.datBeginDate_Change();
+    EXPECT_EQ(Shown(), QStringList{u"اشکال: تاريخ شروع قسط نبايد قبل از تاريخ پرداخت باشد."_s});
+    EXPECT_TRUE(w.datBeginDate->IsEmpty());
+    w.datBeginDate->setFarsidate(u"1403/05/31"_s);
+    w.datEndDate->setFarsidate(u"1403/12/29"_s);
+    w.datLoanPayDate->setFarsidate(u"1403/06/01"_s);
+    w.datLoanPayDate_Change();  // silently
+    EXPECT_TRUE(w.datBeginDate->IsEmpty() && !w.datEndDate->IsEmpty());
+    EXPECT_EQ(Shown(), QStringList());
+    w.datEndDate->setFarsidate(u"1403/05/01"_s);
+    w.datEndDate_Change();
+    EXPECT_TRUE(w.datEndDate->IsEmpty());
 }

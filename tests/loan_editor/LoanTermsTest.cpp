@@ -1,6 +1,14 @@
+// The arithmetic of the loan terms without a window: the instalment, the remainder, the
+// remainder options and the settlement date from the count or the instalment, the ceiling, the
+// amount keys, the order of the three dates and the settlement date over the calendar.
+
 #include <gtest/gtest.h>
 
+#include <QCalendar>
+#include <map>
+
 #include "base/Errors.h"
+#include "loan_editor/LoanDates.h"
 #include "loan_editor/LoanTerms.h"
 #include "support/QtPrinters.h"
 #include "support/Raises.h"
@@ -11,27 +19,29 @@ using namespace kav::loan;
 
 namespace {
 
-const QString WarningTitle = u"هشدار"_s;
-
-// The amount in both texts of its box: displayed grouped, value plain.
-TermsFields withAmount(const QString& grouped, const QString& plain) {
+// The amount as displayed (its value: without the "/"), the count, the first-instalment date
+// and the monthly instalment.
+TermsFields fields(const QString& amount, const QString& count, const QString& begin = {},
+                   const QString& perMonth = {}) {
     TermsFields f;
-    f.loanValueText = grouped;
-    f.loanValueValue = plain;
-    return f;
-}
-
-TermsFields withCount(const QString& amount, const QString& count, const QString& begin = {}) {
-    TermsFields f = withAmount(amount, amount);
+    f.loanValueText = amount;
+    f.loanValueValue = QString(amount).remove(u'/');
     f.payBackNumber = count;
     f.beginDate = begin;
+    f.perMonthText = f.perMonthValue = perMonth;
     return f;
 }
 
-TermsFields withPerMonth(const QString& amount, const QString& perMonth) {
-    TermsFields f = withAmount(amount, amount);
-    f.perMonthText = f.perMonthValue = perMonth;
-    return f;
+// An update as "instalment|remainder|options|settlement|count", "-" for what it leaves alone.
+QString Text(const TermsUpdate& u) {
+    const auto text = [](const std::optional<QString>& s) { return s.value_or(u"-"_s); };
+    const auto& on = u.remainderOptionsEnabled;
+    return QStringList{text(u.perMonth), text(u.rem),
+                       !on   ? u"-"_s
+                       : *on ? u"on"_s
+                             : u"off"_s,
+                       text(u.endDate), text(u.payBackNumber)}
+        .join(u'|');
 }
 
 // Leaving the count after entering the box empty.
@@ -39,167 +49,118 @@ TermsUpdate leaveCount(const TermsFields& f) {
     return PayBackNumberLeft(f, PayBackNumberGotFocus({}));
 }
 
-}  // namespace
-
-TEST(LeavingCount, SplitsTheGroupedAmountAndReportsTheRemainder) {
-    TermsFields f = withAmount(u"1/000/000"_s, u"1000000"_s);
-    f.payBackNumber = u"3"_s;
-    const TermsUpdate u = leaveCount(f);
-    EXPECT_EQ(u.perMonth, u"333333"_s);
-    EXPECT_EQ(u.rem, u"1"_s);
-    EXPECT_EQ(u.remainderOptionsEnabled, true);
-    EXPECT_FALSE(u.endDate);  // no first-instalment date
-    EXPECT_FALSE(u.payBackNumber);
-
-    const TermsUpdate even = leaveCount(withCount(u"900"_s, u"3"_s));
-    EXPECT_EQ(even.perMonth, u"300"_s);
-    EXPECT_EQ(even.rem, u"0"_s);
-    EXPECT_EQ(even.remainderOptionsEnabled, false);
-    TermsFields grouped = withAmount(u"1/200"_s, u"1200"_s);
-    grouped.payBackNumber = u"3"_s;
-    EXPECT_EQ(leaveCount(grouped).remainderOptionsEnabled, false);
+KavError::Kind kindOf(const TermsUpdate& u) {
+    return test::RaisedKind([&] {
+        if (u.error) std::rethrow_exception(u.error);
+    });
 }
 
-TEST(LeavingCount, RoundsHalvesToEvenInTheModuloAndTheSettlementDate) {
-    // 9 mod 2 leaves 1 (2.5 -> 2); 8 mod 4 leaves 0 (3.5 -> 4); 10.5 -> 10 divides by 5.
-    EXPECT_EQ(leaveCount(withCount(u"9"_s, u"2.5"_s)).remainderOptionsEnabled, true);
-    EXPECT_EQ(leaveCount(withCount(u"8"_s, u"3.5"_s)).remainderOptionsEnabled, false);
-    EXPECT_EQ(leaveCount(withCount(u"10.5"_s, u"5"_s)).remainderOptionsEnabled, false);
-    const TermsUpdate u = leaveCount(withCount(u"9"_s, u"2.5"_s, u"1403/01/10"_s));
-    EXPECT_EQ(u.perMonth, u"3"_s);  // Int(9 / 2.5)
-    EXPECT_EQ(u.rem, u"1.5"_s);
-    EXPECT_EQ(u.endDate, u" 1403/ 2/ 31"_s);
-    EXPECT_EQ(leaveCount(withCount(u"8"_s, u"3.5"_s, u"1403/01/10"_s)).endDate, u" 1403/ 4/ 31"_s);
-    EXPECT_EQ(leaveCount(withCount(u"1000"_s, u"12"_s, u"1403/02/15"_s)).endDate,
-              u" 1404/ 1/ 31"_s);
+}  // namespace
+
+TEST(LeavingCount, GivesInstalmentRemainderOptionsAndSettlement) {
+    struct Case {
+        QString amount, count, begin, update;
+    };
+    const Case cases[] = {
+        {u"1/000/000"_s, u"3"_s, {}, u"333333|1|on|-|-"_s},
+        {u"900"_s, u"3"_s, {}, u"300|0|off|-|-"_s},
+        {u"1/200"_s, u"3"_s, {}, u"400|0|off|-|-"_s},
+        {u"1000"_s, u"12"_s, u"1403/02/15"_s, u"83|4|on| 1404/ 1/ 31|-"_s},
+        // Halves round to even in the modulo and the settlement date: 2.5 -> 2, 3.5 -> 4,
+        // 10.5 -> 10, 11.5 -> 12; the instalment is Int(amount / count).
+        {u"9"_s, u"2.5"_s, u"1403/01/10"_s, u"3|1.5|on| 1403/ 2/ 31|-"_s},
+        {u"8"_s, u"3.5"_s, u"1403/01/10"_s, u"2|1|off| 1403/ 4/ 31|-"_s},
+        {u"10.5"_s, u"5"_s, {}, u"2|0.5|off|-|-"_s},
+        {u"11.5"_s, u"4"_s, {}, u"2|3.5|off|-|-"_s},
+        {u"-9"_s, u"4.5"_s, {}, u"-2|0|on|-|-"_s},
+        // Any amount the currency holds, in 64 bits.
+        {u"3000000000"_s, u"3"_s, {}, u"1000000000|0|off|-|-"_s},
+        {u"3000000001"_s, u"3"_s, {}, u"1000000000|1|on|-|-"_s},
+        {u"922/337/203/685/476"_s, u"4"_s, {}, u"230584300921369|0|off|-|-"_s},
+        {u"922/337/203/685/476"_s, u"7"_s, {}, u"131762457669353|5|on|-|-"_s},
+        // Persian and Arabic-Indic digits read as the digits they are.
+        {u"1000000"_s, u"۳"_s, u"1403/01/10"_s, u"333333|1|on| 1403/ 3/ 31|-"_s},
+        {u"1000000"_s, u"٣"_s, u"1403/01/10"_s, u"333333|1|on| 1403/ 3/ 31|-"_s},
+        {u"1000"_s, u"۱۲"_s, u"1403/02/15"_s, u"83|4|on| 1404/ 1/ 31|-"_s},
+        // Without a first-instalment date there is no settlement date to overflow.
+        {u"1000"_s, u"40000"_s, {}, u"0|1000|on|-|-"_s},
+    };
+    for (const Case& c : cases) {
+        const TermsUpdate u = leaveCount(fields(c.amount, c.count, c.begin));
+        EXPECT_EQ(Text(u), c.update) << c.amount.toStdString() << " / " << c.count.toStdString();
+        EXPECT_FALSE(u.error);
+    }
 }
 
 TEST(LeavingCount, AnUnchangedNumberRecomputesNothing) {
-    const vb::Currency atFocus = PayBackNumberGotFocus(u"3"_s);
-    // The amount changed meanwhile; the count did not (3.00 is the same number).
-    EXPECT_TRUE(
-        PayBackNumberLeft(withCount(u"5000"_s, u"3.00"_s, u"1403/01/10"_s), atFocus).isEmpty());
-    EXPECT_FALSE(PayBackNumberLeft(withCount(u"5000"_s, u"4"_s), atFocus).isEmpty());
+    // The amount changed meanwhile; the count did not (3.00 and ۳ are the same number).
+    for (const QString& same : {u"3.00"_s, u"۳"_s, u"٣"_s})
+        EXPECT_TRUE(PayBackNumberLeft(fields(u"5000"_s, same, u"1403/01/10"_s),
+                                      PayBackNumberGotFocus(u"3"_s))
+                        .isEmpty());
+    EXPECT_EQ(PayBackNumberGotFocus(u"۳"_s), vb::CCur(3.0));
+    EXPECT_FALSE(
+        PayBackNumberLeft(fields(u"5000"_s, u"4"_s), PayBackNumberGotFocus(u"3"_s)).isEmpty());
 }
 
 TEST(LeavingCount, AnErrorComesAfterWhatTheStepsBeforeItComputed) {
-    auto kindOf = [](const TermsUpdate& u) {
-        return test::RaisedKind([&] {
-            if (u.error) std::rethrow_exception(u.error);
-        });
-    };
     // Reads as 0.4 but rounds to 0 in the modulo, the last step: the settlement date, the
     // instalment and the remainder are computed before it.
-    const TermsUpdate zero = leaveCount(withCount(u"1000"_s, u"0.4"_s, u"1403/01/10"_s));
+    const TermsUpdate zero = leaveCount(fields(u"1000"_s, u"0.4"_s, u"1403/01/10"_s));
     EXPECT_EQ(kindOf(zero), KavError::Kind::DivisionByZero);
-    EXPECT_EQ(zero.endDate, u" 1402/ 12/ 29"_s);  // no instalment: Esfand before the first
-    EXPECT_EQ(zero.perMonth, u"2500"_s);
-    EXPECT_EQ(zero.rem, u"0"_s);
-    EXPECT_FALSE(zero.remainderOptionsEnabled);
+    EXPECT_EQ(Text(zero), u"2500|0|-| 1402/ 12/ 29|-"_s);  // Esfand before the first month
     // "12abc" reads as 12 but is no number for the modulo.
-    const TermsUpdate letters = leaveCount(withCount(u"1000"_s, u"12abc"_s));
+    const TermsUpdate letters = leaveCount(fields(u"1000"_s, u"12abc"_s));
     EXPECT_EQ(kindOf(letters), KavError::Kind::TypeMismatch);
     EXPECT_EQ(letters.perMonth, u"83"_s);
     // The settlement date, the first step, rounds the count to 16 bits: nothing is computed.
-    EXPECT_EQ(
-        test::RaisedKind([] { leaveCount(withCount(u"1000"_s, u"40000"_s, u"1403/01/10"_s)); }),
-        KavError::Kind::Overflow);
-    EXPECT_EQ(test::RaisedKind([] { leaveCount(withCount(u"1000"_s, u"3x"_s, u"1403/01/10"_s)); }),
+    EXPECT_EQ(test::RaisedKind([] { leaveCount(fields(u"1000"_s, u"40000"_s, u"1403/01/10"_s)); }),
+              KavError::Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([] { leaveCount(fields(u"1000"_s, u"3x"_s, u"1403/01/10"_s)); }),
               KavError::Kind::TypeMismatch);
-    // Without a first-instalment date there is no settlement date to overflow.
-    EXPECT_EQ(leaveCount(withCount(u"1000"_s, u"40000"_s)).perMonth, u"0"_s);
-}
-
-// The remainder options test any amount the currency holds: amount and count are rounded to
-// whole numbers (halves to even) in 64 bits.
-TEST(LeavingCount, LargeAmountsTestTheRemainderOptions) {
-    EXPECT_EQ(leaveCount(withCount(u"3000000000"_s, u"3"_s)).remainderOptionsEnabled, false);
-    EXPECT_EQ(leaveCount(withCount(u"3000000001"_s, u"3"_s)).remainderOptionsEnabled, true);
-    TermsFields top = withAmount(u"922/337/203/685/476"_s, u"922337203685476"_s);
-    top.payBackNumber = u"4"_s;
-    EXPECT_EQ(leaveCount(top).remainderOptionsEnabled, false);
-    top.payBackNumber = u"7"_s;
-    EXPECT_EQ(leaveCount(top).remainderOptionsEnabled, true);
-    // 11.5 rounds to 12, which 4 divides; 11 would not.
-    EXPECT_EQ(leaveCount(withCount(u"11.5"_s, u"4"_s)).remainderOptionsEnabled, false);
-    EXPECT_EQ(leaveCount(withCount(u"-9"_s, u"4.5"_s)).remainderOptionsEnabled, true);
-}
-
-// Persian and Arabic-Indic digits in the count read as the digits they are.
-TEST(LeavingCount, ReadsPersianAndArabicIndicDigits) {
-    for (const QString& three : {u"\u06F3"_s, u"\u0663"_s}) {
-        TermsFields f = withCount(u"1000000"_s, three, u"1403/01/10"_s);
-        const TermsUpdate u = leaveCount(f);
-        EXPECT_EQ(u.perMonth, u"333333"_s);
-        EXPECT_EQ(u.rem, u"1"_s);
-        EXPECT_EQ(u.remainderOptionsEnabled, true);
-        EXPECT_EQ(u.endDate, u" 1403/ 3/ 31"_s);
-        // Entered as 3 and left as 3: nothing to recompute.
-        EXPECT_TRUE(PayBackNumberLeft(f, PayBackNumberGotFocus(u"3"_s)).isEmpty());
-        EXPECT_EQ(PayBackNumberGotFocus(three), vb::CCur(3.0));
-    }
-    TermsFields twelve = withCount(u"1000"_s, u"\u06F1\u06F2"_s, u"1403/02/15"_s);
-    EXPECT_EQ(leaveCount(twelve).endDate, u" 1404/ 1/ 31"_s);
 }
 
 TEST(LeavingPerMonth, GivesTheCountRemainderAndSettlementDate) {
-    TermsFields f = withPerMonth(u"1000"_s, u"300"_s);
-    f.beginDate = u"1403/01/10"_s;
-    const TermsUpdate u = PerMonthLeft(f, PerMonthGotFocus({}));
-    EXPECT_EQ(u.payBackNumber, u"3"_s);
-    EXPECT_EQ(u.rem, u"100"_s);
-    EXPECT_EQ(u.endDate, u" 1403/ 3/ 31"_s);
-    EXPECT_FALSE(u.remainderOptionsEnabled);
-
+    const TermsFields f = fields(u"1000"_s, {}, u"1403/01/10"_s, u"300"_s);
+    EXPECT_EQ(Text(PerMonthLeft(f, PerMonthGotFocus({}))), u"-|100|-| 1403/ 3/ 31|3"_s);
     EXPECT_TRUE(PerMonthLeft(f, PerMonthGotFocus(u"300"_s)).isEmpty());
     // Int goes towards minus infinity.
-    EXPECT_EQ(PerMonthLeft(withPerMonth(u"-1000"_s, u"300"_s), {}).payBackNumber, u"-4"_s);
+    EXPECT_EQ(Text(PerMonthLeft(fields(u"-1000"_s, {}, {}, u"300"_s), {})), u"-|200|-|-|-4"_s);
     // A zero instalment computes no count, but the count already there dates the settlement.
-    f.perMonthText = f.perMonthValue = u"0"_s;
-    f.payBackNumber = u"2"_s;
-    const TermsUpdate zero = PerMonthLeft(f, PerMonthGotFocus(u"300"_s));
-    EXPECT_FALSE(zero.payBackNumber);
-    EXPECT_EQ(zero.endDate, u" 1403/ 2/ 31"_s);
+    EXPECT_EQ(Text(PerMonthLeft(fields(u"1000"_s, u"2"_s, u"1403/01/10"_s, u"0"_s),
+                                PerMonthGotFocus(u"300"_s))),
+              u"-|-|-| 1403/ 2/ 31|-"_s);
 }
 
-TEST(LeavingAmount, WarnsAboveTheCeilingOnly) {
-    const QString above =
-        u"مبلغ درخواستي شما از سقف  وام ("_s + u"1000000"_s + u") بيشتر شده است."_s;
+TEST(LeavingAmount, WarnsAboveTheCeilingCountsFromTheInstalmentAndRefillsWhenBlank) {
+    const Message above{u"هشدار"_s, u"مبلغ درخواستي شما از سقف  وام (1000000) بيشتر شده است."_s};
     EXPECT_FALSE(CeilingWarning(u"1/000/000"_s, 1000000.0));
-    EXPECT_EQ(CeilingWarning(u"1/000/001"_s, 1000000.0), (Message{WarningTitle, above}));
-    EXPECT_EQ(CeilingWarning(u"1000001"_s, u"1000000.0000"_s), (Message{WarningTitle, above}));
-    EXPECT_EQ(CeilingWarning(u"1000001"_s, qlonglong(1000000)), (Message{WarningTitle, above}));
+    EXPECT_EQ(CeilingWarning(u"1/000/001"_s, 1000000.0), above);
+    EXPECT_EQ(CeilingWarning(u"1000001"_s, u"1000000.0000"_s), above);
+    EXPECT_EQ(CeilingWarning(u"1000001"_s, qlonglong(1000000)), above);
     EXPECT_FALSE(CeilingWarning(u"999999999"_s, QVariant()));
     EXPECT_EQ(test::RaisedKind([] { CeilingWarning(u"1"_s, u"abc"_s); }),
               KavError::Kind::TypeMismatch);
     EXPECT_EQ(CeilingText(QVariant()), QString());
     EXPECT_EQ(CeilingText(2500000.5), u"2500000.5"_s);
-}
 
-TEST(LeavingAmount, CountsFromThePerMonthAndRefillsWhenBlank) {
-    TermsFields f = withPerMonth(u"1/000"_s, u"300"_s);
-    f.loanValueValue = u"1000"_s;
-    const TermsUpdate u = LoanValueLeft(f, 900.0);
-    ASSERT_TRUE(u.warning);
-    EXPECT_EQ(u.payBackNumber, u"3"_s);
-    EXPECT_EQ(u.rem, u"100"_s);
-    EXPECT_FALSE(u.endDate);
-    EXPECT_FALSE(u.remainderOptionsEnabled);
+    const TermsUpdate u = LoanValueLeft(fields(u"1/000"_s, {}, {}, u"300"_s), 900.0);
+    EXPECT_EQ(Text(u), u"-|100|-|-|3"_s);
+    EXPECT_TRUE(u.warning);
     EXPECT_FALSE(u.loanValue);
-
-    f = withPerMonth(u"  "_s, u"300"_s);
-    f.originalValueValue = u"5000"_s;
-    const TermsUpdate refill = LoanValueLeft(f, 900.0);
+    TermsFields blank = fields(u"  "_s, {}, {}, u"300"_s);
+    blank.originalValueValue = u"5000"_s;
+    const TermsUpdate refill = LoanValueLeft(blank, 900.0);
     EXPECT_EQ(refill.loanValue, u"5000"_s);
-    EXPECT_FALSE(refill.payBackNumber);
+    EXPECT_EQ(Text(refill), u"-|-|-|-|-"_s);
     EXPECT_FALSE(refill.warning);
-    EXPECT_EQ(OriginalValueLeft(f), u"5000"_s);
+    EXPECT_EQ(OriginalValueLeft(blank), u"5000"_s);
 }
 
 TEST(AmountKeys, FilterDigitsAndRequireTheLoanType) {
     const LoanValueKey noType = LoanValueKeyPress(2, false, u'5');
     EXPECT_EQ(noType.keyAscii, 0);
-    EXPECT_EQ(noType.warning, (Message{WarningTitle, u"ابتدا نوع وام را مشخص كنيد."_s}));
+    EXPECT_EQ(noType.warning, (Message{u"هشدار"_s, u"ابتدا نوع وام را مشخص كنيد."_s}));
     EXPECT_TRUE(noType.clearAmountAndFocusType);
     const LoanValueKey viewing = LoanValueKeyPress(0, false, u'x');
     EXPECT_EQ(viewing.keyAscii, u'x');
@@ -214,10 +175,131 @@ TEST(AmountKeys, FilterDigitsAndRequireTheLoanType) {
     }
 }
 
-TEST(LoadedRemainder, NeedsAllThreeValues) {
-    EXPECT_EQ(txtRemOnLoad(1000000.0, 333333.0, 3), u"1"_s);
-    EXPECT_EQ(txtRemOnLoad(1000.0, 300.0, QVariant()), QString());
-    EXPECT_EQ(txtRemOnLoad(QVariant(), 300.0, 3), QString());
-    EXPECT_EQ(test::RaisedKind([] { txtRemOnLoad(u"x"_s, 300.0, 3); }),
+namespace {
+
+// Flags as '1' and '0' in the order given.
+QString flags(std::initializer_list<bool> list) {
+    QString s;
+    for (const bool b : list) s += b ? u'1' : u'0';
+    return s;
+}
+
+DateFields dates(const QString& pay, const QString& begin, const QString& end,
+                 const QString& count = {}) {
+    DateFields f;
+    f.loanPayDate = pay;
+    f.beginDate = begin;
+    f.endDate = end;
+    f.payBackNumber = count;
+    return f;
+}
+
+}  // namespace
+
+TEST(NextMonth, KeepsTheOddPadding) {
+    const QString esfand = u"1403/12/10"_s;
+    const std::pair<QString, QString> cases[] = {
+        {esfand, u"1404/01/01"_s},           {u"1403/11/10"_s, u"1403/012/01"_s},
+        {u"1403/09/20"_s, u"1403/010/01"_s}, {u"1403/08/10"_s, u"1403/9/01"_s},
+        {u"1403/05/20"_s, u"1403/6/01"_s},   {u"1403/01/10"_s, u"1403/2/01"_s}};
+    for (const auto& [date, next] : cases)
+        EXPECT_EQ(getNextMonth(date, esfand), next) << date.toStdString();
+    EXPECT_EQ(getNextMonth(u"1403/13/10"_s, u"1403/13/10"_s), QString());
+    EXPECT_EQ(getNextMonth(QString(), QString()), QString());
+}
+
+// The last instalment is n - 1 calendar months after the first; its day follows the fixed
+// month lengths, month 6 keeping the first instalment's day, Esfand its last day.
+TEST(SettlementDate, FollowsTheCalendarForEveryCountAndMonth) {
+    // The length of Esfand: 1403 and 1408 are leap years, 1407 is not although 1407 mod 4 = 3.
+    const std::map<int, int> esfand{{1402, 29}, {1403, 30}, {1404, 29}, {1405, 29}, {1406, 29},
+                                    {1407, 29}, {1408, 30}, {1409, 29}, {1410, 29}};
+    const QCalendar jalali(QCalendar::System::Jalali);
+    for (int year : {1402, 1403, 1406, 1407}) {
+        for (int first = 1; first <= 12; ++first) {
+            for (int day : {10, 29}) {
+                for (int n = 1; n <= 36; ++n) {
+                    const QDate last =
+                        jalali.dateFromParts(year, first, 1).addMonths(n - 1, jalali);
+                    const QCalendar::YearMonthDay p = jalali.partsFromDate(last);
+                    const int expectedDay = p.month == 6    ? day
+                                            : p.month == 12 ? esfand.at(p.year)
+                                            : p.month > 6   ? 30
+                                                            : 31;
+                    EXPECT_EQ(EndDateText(n, year, first, day),
+                              u" %1/ %2/ %3"_s.arg(p.year).arg(p.month).arg(expectedDay))
+                        << year << '/' << first << '/' << day << " x" << n;
+                }
+            }
+        }
+    }
+    EXPECT_EQ(EndDateText(12, 1408, 1, 10), u" 1408/ 12/ 30"_s);
+    EXPECT_EQ(EndDateText(12, 1407, 1, 10), u" 1407/ 12/ 29"_s);
+}
+
+TEST(SettlementDate, RoundsTheCountByCaller) {
+    EXPECT_EQ(RoundCount(u"2.5"_s, CountWidth::Int16), 2);
+    EXPECT_EQ(RoundCount(u"3.5"_s, CountWidth::Int16), 4);
+    EXPECT_EQ(RoundCount(u"32768"_s, CountWidth::Int32), 32768);
+    EXPECT_EQ(test::RaisedKind([] { RoundCount(u"32768"_s, CountWidth::Int16); }),
+              KavError::Kind::Overflow);
+    EXPECT_EQ(test::RaisedKind([] { RoundCount(u"abc"_s, CountWidth::Int32); }),
               KavError::Kind::TypeMismatch);
+    EXPECT_EQ(test::RaisedKind([] { EndDateText(40000, 1403, 1, 1); }), KavError::Kind::Overflow);
+    EXPECT_EQ(EndDateFromCount(u"12"_s, CountWidth::Int32, u"1403/02/15"_s), u" 1404/ 1/ 31"_s);
+    // Persian and Arabic-Indic digits count as the digits they are.
+    EXPECT_EQ(RoundCount(u"\u06F1\u06F2"_s, CountWidth::Int16), 12);
+    EXPECT_EQ(RoundCount(u"\u0661\u0662"_s, CountWidth::Int32), 12);
+    const DateFields persian = dates(QString(), u"1403/02/15"_s, QString(), u"\u06F1\u06F2"_s);
+    EXPECT_EQ(EndDateChanged(persian).endDate, u" 1404/ 1/ 31"_s);
+    EXPECT_EQ(BeginDateChanged(persian).endDate, u" 1404/ 1/ 31"_s);
+}
+
+TEST(DateOrder, PayDateClearsLaterDatesSilentlyFirstInstalmentWarnsSettlementIsDerived) {
+    const auto pay = [](const DateFields& f) {  // clear first instalment, focus type, clear end
+        const PayDateChange r = LoanPayDateChanged(f);
+        return flags({r.clearBeginDate, r.focusLoanType, r.clearEndDate});
+    };
+    EXPECT_EQ(pay(dates(u"1403/05/10"_s, u"1403/05/09"_s, u"1403/05/10"_s)), u"111"_s);
+    EXPECT_EQ(pay(dates(u"1403/05/10"_s, u"1403/05/10"_s, u"1403/05/11"_s)), u"000"_s);
+    EXPECT_EQ(pay(dates(u"1403/09/30"_s, QString(), u"1403/10/01"_s)), u"000"_s);
+
+    // Warning, then clear and focus the first instalment, clear the end, and the derived end.
+    const auto begin = [](const DateFields& f) {
+        const BeginDateChange r = BeginDateChanged(f);
+        return (r.warning ? r.warning->title + u": "_s + r.warning->text : u"-"_s) + u'|' +
+               flags({r.clearBeginDate, r.focusBeginDate, r.clearEndDate}) + u'|' +
+               r.endDate.value_or(u"-"_s);
+    };
+    EXPECT_EQ(begin(dates(u"1403/05/10"_s, u"1403/05/09"_s, QString(), u"12"_s)),
+              u"اشکال: تاريخ شروع قسط نبايد قبل از تاريخ پرداخت باشد.|110|-"_s);
+    EXPECT_EQ(begin(dates(u"1403/05/10"_s, u"1403/07/01"_s, u"1403/07/01"_s, u"12"_s)),
+              u"اشکال: تاريخ شروع قسط نبايد بعد از تاريخ پرداخت باشد.|001|-"_s);
+    EXPECT_EQ(begin(dates(u"1403/05/10"_s, u"1403/05/10"_s, u"1403/07/01"_s, u"3"_s)),
+              u"-|000| 1403/ 7/ 30"_s);
+    EXPECT_EQ(begin(dates(u"1403/05/10"_s, QString(), QString(), u"3"_s)), u"-|000|-"_s);
+
+    const auto end = [](const DateFields& f) {  // cleared, or the derived end
+        const EndDateChange r = EndDateChanged(f);
+        return flags({r.clearEndDate}) + u'|' + r.endDate.value_or(u"-"_s);
+    };
+    EXPECT_EQ(end(dates(u"1403/05/10"_s, u"1403/06/10"_s, u"1403/06/10"_s)), u"1|-"_s);
+    EXPECT_EQ(end(dates(u"1403/05/10"_s, u"1403/06/10"_s, u"1404/01/01"_s, u"2.5"_s)),
+              u"0| 1403/ 7/ 30"_s);
+
+    // Leaving a date box recomputes only when its date changed since it got the focus.
+    const QDate at(2024, 8, 1);
+    const DateFields big = dates(QString(), u"1403/01/10"_s, QString(), u"40000"_s);
+    EXPECT_FALSE(BeginDateLeft(at, at, big));
+    EXPECT_EQ(test::RaisedKind([&] { BeginDateLeft(at.addDays(1), at, big); }),
+              KavError::Kind::Overflow);
+    DateFields f = dates(QString(), u"1403/06/10"_s, u"1403/09/01"_s, u"4"_s);
+    f.loanValueText = u"1/000"_s;
+    f.perMonthText = u"250"_s;
+    EXPECT_FALSE(EndDateLeft(at, at, f).runPayBackNumberLeft);
+    const EndDateLeave left = EndDateLeft(at.addDays(3), at, f);
+    EXPECT_EQ(flags({left.runPayBackNumberLeft}) + left.endDate.value_or(u"-"_s),
+              u"1 1403/ 9/ 30"_s);
+    f.perMonthText = u"0"_s;
+    EXPECT_FALSE(EndDateLeft(at.addDays(3), at, f).runPayBackNumberLeft);
 }

@@ -58,8 +58,13 @@ void AdjustmentTest::enterNew(const QString& from, const QString& to, const QStr
     w.cmdSave->click();  // through the handler boundary
 }
 
-Row AdjustmentTest::stored(qint32 id) const {
-    return t.db.rows(u"select * from tblHRLoanException where ID=%1"_s.arg(id)).value(0);
+QString AdjustmentTest::stored(qint32 id) const {
+    return t.db
+        .scalar(
+            u"select LoanID||'|'||EmployeeID||'|'||BeginDate||'|'||FarsiBeginDate||'|'||"
+            "EndDate||'|'||FarsiEndDate||'|'||MonthlyDebit from tblHRLoanException "
+            "where ID=%1"_s.arg(id))
+        .toString();
 }
 
 void AdjustmentTest::setMode(qint32 mode) {

@@ -33,12 +33,14 @@ protected:
     FormHRException& open(const QString& loanText = QStringLiteral("1"), qint32 employee = 1);
     FormHRException& window() { return t.module.Window<FormHRException>(); }
     Session& session() { return t.module.session; }
+    qint32 mode() { return session().LoanFormMode; }
+    bool quiet() const { return t.messages->shown.isEmpty(); }  // no message shown
     // A new adjustment entered and saved; the window's txtID then holds its id.
     void enterNew(const QString& from, const QString& to, const QString& perMonth,
                   qint32 employee = 1);
     int adjustmentCount() const;
-    // The stored row of an adjustment (lower-case column names).
-    Row stored(qint32 id) const;
+    // The stored adjustment as "loan|employee|begin|Jalali begin|end|Jalali end|debit".
+    QString stored(qint32 id) const;
     void setMode(qint32 mode);
     // The last message shown had this title and text; the record of messages is emptied.
     void expectLast(const QString& title, const QString& text);

@@ -39,7 +39,7 @@ TEST(BalancePath, FromTheEditorToARecordedAdjustmentAndBack) {
 
     QStringList seen;
     int rowsBefore = 0, rowsAfter = 0;
-    QString lastBefore, lastAfter, newId;
+    QString lastBefore, lastAfter, newId;  // the schedule's length and last month
     module.SetModalRunner([&](QDialog& d) {
         if (auto* list = qobject_cast<FormList*>(&d)) {
             seen << u"list"_s;

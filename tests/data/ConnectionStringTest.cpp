@@ -25,21 +25,20 @@ TEST(ConnectionString, GivesTheQtDriverTheOdbcStringAndTheDialect) {
         QString override, target;
     };
     const Case cases[] = {
-        // FreeTDS with a local server, quoted values, keys in any case
+        // FreeTDS with a local server, quoted values, keys in any case; a named instance kept
         {u"Provider=SQLOLEDB.1;Persist Security Info=False;User ID=sa;PASSWORD='p;w''d';"
          u"Initial Catalog=Payroll;data source=."_s,
          kFreeTdsOnly,
          {},
          u"QODBC|Driver={FreeTDS};Server=127.0.0.1;Database=Payroll;UID=sa;PWD={p;w'd};"
          u"TDS_Version=7.4;ClientCharset=UTF-8|S"_s},
-        // (local) with a named instance keeps the instance
         {u"Provider=SQLNCLI11;Data Source=(local)\\SQLEXPRESS;Initial Catalog=HR;"
          u"Integrated Security=SSPI"_s,
          kFreeTdsOnly,
          {},
          u"QODBC|Driver={FreeTDS};Server=127.0.0.1\\SQLEXPRESS;Database=HR;"
          u"Trusted_Connection=yes;TDS_Version=7.4;ClientCharset=UTF-8|S"_s},
-        // Microsoft's driver 18 is preferred and trusts the certificate as OLE DB did
+        // Microsoft's newest driver first, trusting the certificate as OLE DB did; an override
         {u"Provider=MSOLEDBSQL;Server=db01,1433;Database=HR;UID=u;PWD=x"_s,
          kMicrosoft,
          {},
@@ -50,7 +49,6 @@ TEST(ConnectionString, GivesTheQtDriverTheOdbcStringAndTheDialect) {
          {},
          u"QODBC|Driver={ODBC Driver 17 for SQL Server};Server=localhost;Database=HR;"
          u"Trusted_Connection=yes|S"_s},
-        // an override names the driver even when others are installed
         {u"Provider=SQLOLEDB;Data Source=srv;Initial Catalog=HR;User ID=a;Password=b"_s, kMicrosoft,
          u" {FreeTDS} "_s,
          u"QODBC|Driver={FreeTDS};Server=srv;Database=HR;UID=a;PWD=b;TDS_Version=7.4;"
@@ -119,10 +117,7 @@ TEST(ConnectionString, ReadsTheDriverSectionsOfOdbcinstIni) {
     const QByteArray old = qgetenv("ODBCSYSINI");
     qputenv("ODBCSYSINI", dir.path().toLocal8Bit());
     const QStringList drivers = InstalledOdbcDrivers();
-    if (old.isNull())
-        qunsetenv("ODBCSYSINI");
-    else
-        qputenv("ODBCSYSINI", old);
+    old.isNull() ? qunsetenv("ODBCSYSINI") : qputenv("ODBCSYSINI", old);
     EXPECT_EQ(drivers, (QStringList{u"FreeTDS"_s, u"ODBC Driver 18 for SQL Server"_s}));
 }
 

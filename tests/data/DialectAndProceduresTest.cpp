@@ -75,8 +75,7 @@ TEST(SqlDialect, SerialisedTransactionTexts) {
     EXPECT_FALSE(kLite.beginReturnsLockResult());
 }
 
-// The parameters in calling order (the T-SQL script is compared with them in the schema
-// tests) and the ODBC call texts.
+// The parameters in calling order (the script is compared with them) and the call texts.
 TEST(Procedures, AreDeclaredWithTheirParametersInCallingOrder) {
     EXPECT_EQ(LoanExceptionNewProcedure().parameters.join(u' '),
               u"@LoanID @EmployeeID @MonthlyDebit @BeginDate @FarsiBeginDate @EndDate "
@@ -104,16 +103,13 @@ protected:
     ScratchDb s;
     const QDate day{2024, 3, 20};
 };
+
 // Each value is taken as SQL Server takes it for the parameter's type: what SQL Server
 // refuses is refused, and Null is stored where the suite's procedures store it.
 TEST_F(Emulated, ParametersConvertAsOnSqlServer) {
     using Kind = KavError::Kind;
     const QVariant null;
-    struct Bad {
-        QVariantList params;
-        Kind kind;
-    };
-    const Bad refused[] = {
+    const std::pair<QVariantList, Kind> refused[] = {
         {{1, 1, 5.0, u"abc"_s, u""_s, day, u""_s}, Kind::TypeMismatch},
         {{1, 1, 5.0, u"1403/01/01"_s, u""_s, day, u""_s}, Kind::TypeMismatch},
         {{1, 1, 5.0, 7, u""_s, day, u""_s}, Kind::TypeMismatch},
@@ -122,9 +118,8 @@ TEST_F(Emulated, ParametersConvertAsOnSqlServer) {
         {{1, 1, 1e16, day, u""_s, day, u""_s}, Kind::Overflow},
         {{null, 1, 5.0, day, u""_s, day, u""_s}, Kind::Database},  // the table refuses it
     };
-    for (const Bad& b : refused)
-        EXPECT_EQ(RaisedKind([&] { insert(b.params); }), b.kind)
-            << b.params[3].toString().toStdString();
+    for (const auto& [params, kind] : refused)
+        EXPECT_EQ(RaisedKind([&] { insert(params); }), kind) << params[3].toString().toStdString();
     EXPECT_EQ(s.scalar(u"select count(*) from tblHRLoanException"_s).toInt(), 0);
     // A fraction is cut, as int takes it; a Persian date text is cut to nvarchar(10).
     const int id = insert({u"7"_s, 8.9, null, null, null, u"2024-06-20"_s, u"1403/03/31 extra"_s});

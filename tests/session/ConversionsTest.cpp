@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <limits>
 
 #include "base/Errors.h"
 #include "session/TextProcs.h"
@@ -49,37 +48,33 @@ TEST(Conversions, NumbersReadAndWrittenAsTheWindowsExpect) {
     for (const auto& [call, kind] : refused) EXPECT_EQ(test::RaisedKind(call), kind);
 }
 
-TEST(Conversions, CurrencyKeepsFourDecimalsExactly) {
-    EXPECT_EQ(CCur(u"1234567890123.4567"_s).toString(), u"1234567890123.4567"_s);
-    EXPECT_EQ(CCur(u"0.00005"_s).raw(), 0);  // half to even
-    EXPECT_EQ(CCur(u"0.00015"_s).raw(), 2);
-    EXPECT_EQ(CCur(u"-12.5"_s).toString(), u"-12.5"_s);
+// An amount keeps four decimals exactly, rounding half to even; past the ends of its range
+// every way of making or adding one is the overflow error, never a wrapped amount.
+TEST(Conversions, CurrencyKeepsFourDecimalsExactlyWithinItsRange) {
+    EXPECT_EQ(each({u"1234567890123.4567"_s, u"-12.5"_s, u"0.00005"_s, u"0.00015"_s,
+                    u"922337203685477.5807"_s, u"-922337203685477.5808"_s},
+                   [](const QString& t) { return CCur(t).toString(); }),
+              u"1234567890123.4567 -12.5 0 0.0002 922337203685477.5807 -922337203685477.5808"_s);
     EXPECT_EQ(CCur(1.0 / 3.0).toString(), u"0.3333"_s);
-    EXPECT_EQ(test::RaisedKind([] { CCur(u"12/345"_s); }), Kind::TypeMismatch);
-    EXPECT_EQ(test::RaisedKind([] { CCur(u"abc"_s); }), Kind::TypeMismatch);
-    EXPECT_EQ(test::RaisedKind([] { CCur(1e300); }), Kind::Overflow);
+    EXPECT_EQ(CCur(922337203685477.0).toString(), u"922337203685477"_s);
     EXPECT_LT(CCur(u"999"_s), CCur(u"1000"_s));
     EXPECT_EQ(CCur(u"1000"_s), CCur(1000.0));
-}
-
-// The ends of the currency range: 922337203685477.5807 and -922337203685477.5808. Past them
-// every way of making or adding an amount is the overflow error, never a wrapped amount.
-TEST(Conversions, CurrencyOverflowsAtTheEndsOfItsRange) {
-    EXPECT_EQ(CCur(u"922337203685477.5807"_s).raw(), std::numeric_limits<qint64>::max());
-    EXPECT_EQ(CCur(u"-922337203685477.5808"_s).raw(), std::numeric_limits<qint64>::min());
-    EXPECT_EQ(CCur(u"-922337203685477.5808"_s).toString(), u"-922337203685477.5808"_s);
-    EXPECT_EQ(CCur(922337203685477.0).toString(), u"922337203685477"_s);
+    const Currency top = CCur(u"922337203685477"_s);
+    EXPECT_EQ((top - CCur(u"1"_s)).toString(), u"922337203685476"_s);
+    const std::pair<std::function<void()>, Kind> refused[] = {
+        {[] { CCur(u"12/345"_s); }, Kind::TypeMismatch},
+        {[] { CCur(u"abc"_s); }, Kind::TypeMismatch},
+        {[] { CCur(1e300); }, Kind::Overflow},
+        {[] { CCur(922337203685478.0); }, Kind::Overflow},
+        {[] { CCur(-922337203685478.0); }, Kind::Overflow},
+        {[&] { (void)(top + CCur(u"1"_s)); }, Kind::Overflow},
+        {[] { (void)(CCur(u"-922337203685477"_s) - CCur(u"1"_s)); }, Kind::Overflow},
+    };
+    for (const auto& [call, kind] : refused) EXPECT_EQ(test::RaisedKind(call), kind);
     for (const QString& text :
          {u"922337203685477.5808"_s, u"922337203685477.9"_s, u"922337203685477.58075"_s,
           u"922337203685478"_s, u"-922337203685477.5809"_s, u"99999999999999999999"_s})
         EXPECT_EQ(test::RaisedKind([&] { CCur(text); }), Kind::Overflow) << text.toStdString();
-    EXPECT_EQ(test::RaisedKind([] { CCur(922337203685478.0); }), Kind::Overflow);
-    EXPECT_EQ(test::RaisedKind([] { CCur(-922337203685478.0); }), Kind::Overflow);
-    const Currency top = CCur(u"922337203685477"_s);
-    EXPECT_EQ(test::RaisedKind([&] { (void)(top + CCur(u"1"_s)); }), Kind::Overflow);
-    EXPECT_EQ(test::RaisedKind([&] { (void)(CCur(u"-922337203685477"_s) - CCur(u"1"_s)); }),
-              Kind::Overflow);
-    EXPECT_EQ((top - CCur(u"1"_s)).toString(), u"922337203685476"_s);
 }
 
 TEST(TextProcedures, QuotingDateDigitsAndGrouping) {

@@ -3,12 +3,14 @@
 #include <QGuiApplication>
 #include <QSqlQuery>
 #include <functional>
+#include <optional>
 
 #include "base/Errors.h"
 #include "data/ConnectionString.h"
 #include "session/DataEnvironment.h"
 #include "session/Module.h"
 #include "support/QtPrinters.h"
+#include "support/Raises.h"
 #include "support/TestDatabase.h"
 
 using namespace Qt::StringLiterals;
@@ -25,9 +27,8 @@ void fillEmployees(const test::TestDatabase& db) {
          u"(7, 111801), (7, 111803), (8, 111802)"_s});
 }
 
-// What a window reads through the environment, the same on every path: navigation, Null
-// apart from empty, values of every kind by name and by position, and a reader's texts (a
-// fraction as CStr writes it).
+// What a window reads, the same on every path: Null apart from empty, values of every kind by
+// name and position, and a reader's texts (a fraction as CStr writes it).
 void checkReading(Module& module) {
     Recordset& rs = module.DtEn().rs();
     rs.Open(u"select ID, FirstName, SureName from tblEmployee order by ID"_s);
@@ -154,17 +155,16 @@ TEST(DataEnvironment, RunsThroughOdbcWithTheSqliteDriver) {
     module.session.SessionConnectionString = u"Driver=SQLite3;Database="_s + db.file();
     module.OpenSessionConnection();
     EXPECT_EQ(module.DtEn().cnt().Database().driverName(), u"QODBC"_s);
-    EXPECT_EQ(module.DtEn().Dialect().kind(), data::DatabaseKind::SQLite);
-    EXPECT_FALSE(module.DtEn().cnt().RunsOnSqlite());
+    EXPECT_TRUE(module.DtEn().Dialect().kind() == data::DatabaseKind::SQLite &&
+                !module.DtEn().cnt().RunsOnSqlite());
     checkReading(module);
     checkStoredCommands(module, db);
     checkRollbackAndCommit(module.DtEn().cnt(), db);
     EXPECT_THROW(module.DtEn().cnt().Execute(u"delete from tblNoSuch"_s), KavError);
 }
 
-// Closing the connection finishes a reader left open, so the file is let go: another client
-// can take it whole, and the reader reads no further. Opening, writing and closing never
-// switch the file's journal mode.
+// Closing finishes a reader left open, so another client can take the file whole; opening,
+// writing and closing never switch the file's journal mode.
 TEST(DataEnvironment, ClosingLetsTheFileGoAsItWas) {
     for (const QString& mode : {u"delete"_s, u"wal"_s}) {
         test::TestModule t;
@@ -187,10 +187,8 @@ TEST(DataEnvironment, ClosingLetsTheFileGoAsItWas) {
     }
 }
 
-// The driver's own text stands on a line of its own, isolated left to right, so its colon
-// and brackets stay where the driver put them inside the right-to-left message; so too for a
-// statement that fails while its rows are read, and for a database another client holds,
-// where the wait ends in the busy message with the pointer back to normal.
+// The driver's own text stands on a line of its own, isolated left to right, also when the
+// rows fail while read and when another client holds the database (the busy message).
 TEST(DataEnvironment, FailingStatementsCarryTheDriversTextOnItsOwnLine) {
     test::TestModule t;
     Connection& cnt = t.module.DtEn().cnt();
@@ -243,20 +241,16 @@ TEST(DataEnvironment, ARefusedCommitRollsBack) {
     Connection& cnt = t.module.DtEn().cnt();
     cnt.Execute(u"PRAGMA foreign_keys = ON"_s);
     for (const bool throughWriteTransaction : {false, true}) {
-        try {
-            if (throughWriteTransaction) {
-                WriteTransaction tx(cnt, u"KAVHRLoan"_s);
-                cnt.Execute(u"insert into child values (1, 99)"_s);
-                tx.Commit();
-            } else {
-                cnt.BeginSerialised(u"KAVHRLoan"_s);
-                cnt.Execute(u"insert into child values (1, 99)"_s);
-                cnt.Commit();
-            }
-            ADD_FAILURE() << "the commit went through";
-        } catch (const KavError& e) {
-            EXPECT_EQ(e.kind(), KavError::Kind::Database);
-        }
+        EXPECT_EQ(test::RaisedKind([&] {
+                      std::optional<WriteTransaction> tx;
+                      if (throughWriteTransaction)
+                          tx.emplace(cnt, u"KAVHRLoan"_s);
+                      else
+                          cnt.BeginSerialised(u"KAVHRLoan"_s);
+                      cnt.Execute(u"insert into child values (1, 99)"_s);
+                      throughWriteTransaction ? tx->Commit() : cnt.Commit();
+                  }),
+                  KavError::Kind::Database);
         EXPECT_EQ(t.db.scalar(u"select count(*) from child"_s).toInt(), 0);
         checkRollbackAndCommit(cnt, t.db);  // no transaction was left open
     }
@@ -270,9 +264,7 @@ TEST(DataEnvironment, OpenSessionConnectionRepointsTheEnvironment) {
     test::TestDatabase other;
     other.exec(
         u"insert into tblEmployee (ID, Code, FirstName, SureName) values (9, '9', 'x', 'y')"_s);
-    Recordset& before = t.module.DtEn().rs();
-    before.Open(u"select count(*) as n from tblEmployee"_s);
-    EXPECT_EQ(before.Fields(u"n"_s).toInt(), 3);
+    t.module.DtEn().rs().Open(u"select count(*) as n from tblEmployee"_s);
     t.module.session.SessionConnectionString = other.connectionString();
     t.module.OpenSessionConnection();
     EXPECT_EQ(t.module.DtEn().cnt().ConnectionString(), other.connectionString());
@@ -284,11 +276,8 @@ TEST(DataEnvironment, OpenSessionConnectionRepointsTheEnvironment) {
                               u"Provider=SQLite;Data Source=/no/such/dir/x.db"_s}) {
         t.module.session.SessionConnectionString = cs;
         t.module.OpenSessionConnection();
-        try {
-            t.module.DtEn().rs().Open(u"select 1"_s);
-            ADD_FAILURE() << "opened " << cs.toStdString();
-        } catch (const KavError& e) {
-            EXPECT_EQ(e.kind(), KavError::Kind::Connection) << cs.toStdString();
-        }
+        EXPECT_EQ(test::RaisedKind([&] { t.module.DtEn().rs().Open(u"select 1"_s); }),
+                  KavError::Kind::Connection)
+            << cs.toStdString();
     }
 }

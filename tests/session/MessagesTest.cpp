@@ -34,8 +34,7 @@ TEST(Messages, AMissingOrFailingComponentAnswersNothing) {
     EXPECT_EQ(script->shown.size(), 2);
 }
 
-// A question's Resualt maps to yes (6), no (7) or no answer (0); title, text and type reach the
-// component.
+// A question's Resualt maps to yes (6), no (7) or no answer (0).
 TEST(Messages, ResualtMapsToAnswerCodes) {
     auto script = std::make_shared<test::MessageScript>();
     const MessageFactory factory = test::ScriptedFactory(script);

@@ -49,14 +49,9 @@ public:
     void ClearShow() override {
         script_->shown.append(current_);
         if (script_->failOnShow) throw std::runtime_error("component failed");
-        if (current_.type == 1) {
-            if (script_->answers.empty()) {
-                answer_ = script_->defaultAnswer;
-            } else {
-                answer_ = script_->answers.front();
-                script_->answers.pop_front();
-            }
-        }
+        if (current_.type != 1) return;
+        answer_ = script_->answers.empty() ? script_->defaultAnswer : script_->answers.front();
+        if (!script_->answers.empty()) script_->answers.pop_front();
     }
     QVariant Resualt() const override { return answer_; }
 

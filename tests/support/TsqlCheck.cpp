@@ -17,18 +17,18 @@ namespace kav::test {
 
 namespace {
 
+// The texts handed to CheckedTsql (made on first use, whenever that is).
 QStringList& collected() {
     static QStringList texts;
     return texts;
 }
 
 QString checkScript() {
-    const QString given = qEnvironmentVariable("KAV_TSQL_CHECK");
-    if (!given.isEmpty()) return QFileInfo::exists(given) ? given : QString();
-    const QString source = qEnvironmentVariable("KAV_SOURCE_DIR");
-    if (source.isEmpty()) return {};
-    const QString beside = QDir(source).filePath(u"../shared/tools/tsql-check/check.js"_s);
-    return QFileInfo::exists(beside) ? QDir::cleanPath(beside) : QString();
+    QString path = qEnvironmentVariable("KAV_TSQL_CHECK");
+    if (path.isEmpty() && qEnvironmentVariableIsSet("KAV_SOURCE_DIR"))
+        path = QDir::cleanPath(QDir(qEnvironmentVariable("KAV_SOURCE_DIR"))
+                                   .filePath(u"../shared/tools/tsql-check/check.js"_s));
+    return QFileInfo::exists(path) ? path : QString();
 }
 
 TsqlResult run(const QStringList& arguments) {

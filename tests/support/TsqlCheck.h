@@ -22,6 +22,7 @@ struct TsqlResult {
     bool passed = false;
     QString output;
 };
+
 TsqlResult RunTsqlCheck(const QStringList& texts);
 TsqlResult RunTsqlCheckOnFile(const QString& scriptFile);
 

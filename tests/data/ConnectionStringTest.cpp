@@ -5,6 +5,7 @@
 
 #include "base/Errors.h"
 #include "data/ConnectionString.h"
+#include "support/QtPrinters.h"
 
 using namespace Qt::StringLiterals;
 using kav::KavError;

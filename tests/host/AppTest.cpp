@@ -11,7 +11,6 @@
 #include <QSqlQuery>
 #include <QTemporaryDir>
 
-#include "support/QtPrinters.h"
 #include "support/TestDatabase.h"
 
 using namespace Qt::StringLiterals;

@@ -11,7 +11,6 @@
 #include "host/kavHRLoan1.h"
 #include "loan_editor/FormHRLoan.h"
 #include "search/FormSearch.h"
-#include "support/QtPrinters.h"
 #include "support/Raises.h"
 
 using namespace Qt::StringLiterals;

@@ -9,7 +9,6 @@
 #include "data/ConnectionString.h"
 #include "session/DataEnvironment.h"
 #include "session/Module.h"
-#include "support/QtPrinters.h"
 #include "support/Raises.h"
 #include "support/TestDatabase.h"
 

@@ -10,6 +10,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "QtPrinters.h"
 #include "session/Messages.h"
 
 namespace kav::test {

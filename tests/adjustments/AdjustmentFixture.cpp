@@ -1,11 +1,6 @@
 #include "AdjustmentFixture.h"
 
-#include <QLineEdit>
-#include <QPushButton>
-
 #include "adjustments/AdjustmentOpener.h"
-#include "controls/VarekDate.h"
-#include "controls/VarekSelector.h"
 
 using namespace Qt::StringLiterals;
 
@@ -42,11 +37,6 @@ void AdjustmentTest::SetUp() {
         [](Module& m) -> AdjustmentPort& { return m.Window<AdjustmentOpener>(); });
 }
 
-FormHRException& AdjustmentTest::open(const QString& loanText, qint32 employee) {
-    t.module.port<AdjustmentPort>().ShowBalance(loanText, employee);
-    return window();
-}
-
 void AdjustmentTest::enterNew(const QString& from, const QString& to, const QString& perMonth,
                               qint32 employee) {
     auto& w = window();
@@ -67,20 +57,11 @@ QString AdjustmentTest::stored(qint32 id) const {
         .toString();
 }
 
-void AdjustmentTest::setMode(qint32 mode) {
-    session().LoanFormMode = mode;
-    window().DisableLockComponent();
-}
-
 void AdjustmentTest::expectLast(const QString& title, const QString& text) {
     ASSERT_FALSE(t.messages->shown.isEmpty());
     EXPECT_EQ(t.messages->last().title, title);
     EXPECT_EQ(t.messages->last().text, text);
     t.messages->shown.clear();
-}
-
-int AdjustmentTest::adjustmentCount() const {
-    return t.db.scalar(u"select count(*) from tblHRLoanException"_s).toInt();
 }
 
 }  // namespace kav::test

@@ -1,11 +1,22 @@
 #pragma once
 
 // The adjustment window on a fresh database: two loans, their members, a few adjustments and
-// payslip rows, and a stand-in for the loan editor.
+// payslip rows, a stand-in for the loan editor, and the controls the tests reach.
 
 #include <gtest/gtest.h>
 
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableView>
+#include <QTest>
+
 #include "adjustments/FormHRException.h"
+#include "adjustments/FormList.h"
+#include "controls/FlexGrid.h"
+#include "controls/VarekDate.h"
+#include "controls/VarekSelector.h"
 #include "session/WindowPorts.h"
 #include "support/TestDatabase.h"
 
@@ -30,21 +41,32 @@ class AdjustmentTest : public ::testing::Test {
 protected:
     void SetUp() override;
     // Opens the window as the editor's balance button does.
-    FormHRException& open(const QString& loanText = QStringLiteral("1"), qint32 employee = 1);
+    FormHRException& open(const QString& loanText = QStringLiteral("1"), qint32 employee = 1) {
+        t.module.port<AdjustmentPort>().ShowBalance(loanText, employee);
+        return window();
+    }
     FormHRException& window() { return t.module.Window<FormHRException>(); }
     Session& session() { return t.module.session; }
     qint32 mode() { return session().LoanFormMode; }
+    // The window's mode and how many adjustments are stored: "mode 2, 3 stored".
+    QString status() {
+        return QStringLiteral("mode %1, %2 stored").arg(mode()).arg(adjustmentCount());
+    }
     bool quiet() const { return t.messages->shown.isEmpty(); }  // no message shown
     // A new adjustment entered and saved; the window's txtID then holds its id.
     void enterNew(const QString& from, const QString& to, const QString& perMonth,
                   qint32 employee = 1);
-    int adjustmentCount() const;
+    int adjustmentCount() const {
+        return t.db.scalar(QStringLiteral("select count(*) from tblHRLoanException")).toInt();
+    }
     // The stored adjustment as "loan|employee|begin|Jalali begin|end|Jalali end|debit".
     QString stored(qint32 id) const;
-    void setMode(qint32 mode);
+    void setMode(qint32 mode) {
+        session().LoanFormMode = mode;
+        window().DisableLockComponent();
+    }
     // The last message shown had this title and text; the record of messages is emptied.
     void expectLast(const QString& title, const QString& text);
-
     TestModule t;
     FakeEditor editor;
 };

@@ -1,17 +1,15 @@
 // The clerk's path on the demo database, with the real windows: from the loan editor he opens
-// a member's balance, records an adjustment, finds it in the list, opens it again and sees
-// the schedule change; the editor gets its own mode back.
+// a member's balance, records an adjustment and sees the schedule change; the editor gets its
+// own mode back.
 
 #include <gtest/gtest.h>
 
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTemporaryDir>
 
 #include "adjustments/AdjustmentOpener.h"
 #include "adjustments/FormHRException.h"
-#include "adjustments/FormList.h"
 #include "controls/FlexGrid.h"
 #include "controls/VarekDate.h"
 #include "controls/VarekSelector.h"
@@ -36,55 +34,33 @@ TEST(BalancePath, FromTheEditorToARecordedAdjustmentAndBack) {
         [](Module& m) -> LoanEditorPort& { return m.Window<FormHRLoan>(); });
     module.ProvidePort<AdjustmentPort>(
         [](Module& m) -> AdjustmentPort& { return m.Window<AdjustmentOpener>(); });
-
-    QStringList seen;
-    int rowsBefore = 0, rowsAfter = 0;
-    QString lastBefore, lastAfter, newId;  // the schedule's length and last month
+    int shown = 0, rowsBefore = 0, rowsAfter = 0;  // the schedule's length
+    QString newId;
     module.SetModalRunner([&](QDialog& d) {
-        if (auto* list = qobject_cast<FormList*>(&d)) {
-            seen << u"list"_s;
-            list->cmdSearch->click();
-            for (int r = 1; r < list->FlexEmployee->Rows(); ++r)
-                if (list->FlexEmployee->TextMatrix(r, 5) == newId) list->FlexEmployee->setRow(r);
-            emit list->FlexEmployee->DblClick();
-            return 1;
-        }
+        ++shown;
         auto* w = qobject_cast<FormHRException*>(&d);
         if (!w) return 0;
-        seen << u"adjustment"_s;
-        auto lastMonth = [&] { return w->findChild<QLabel*>(u"lblLastMonth"_s)->text(); };
         rowsBefore = w->FlexBalance->Rows();
-        lastBefore = lastMonth();
         w->cmdNew->click();
         w->gdcBalancePF->setFarsidate(u"1404/01/01"_s);
         w->gdcBalancePT->setFarsidate(u"1404/03/31"_s);
         w->TxtPerMonth->setText(u"30000000"_s);
         w->cmdSave->click();
         newId = w->txtID->text();
-        w->gdcBalancePT->Clear();  // the list, not the screen, brings the record back
-        w->cmdList->click();
-        EXPECT_EQ(w->txtID->text(), newId);
-        EXPECT_EQ(w->gdcBalancePT->farsidate(), u"1404/03/31"_s);
         EXPECT_EQ(module.session.LoanFormMode, 0);
         rowsAfter = w->FlexBalance->Rows();
-        lastAfter = lastMonth();
         w->cmdExit->click();
         return 0;
     });
-
     FormHRLoan& editor = module.Window<FormHRLoan>();
     ASSERT_TRUE(editor.ViewPRSLoansInfo(2));  // the housing loan of employee 10
     ASSERT_EQ(editor.FlexEmployee->TextMatrix(editor.FlexEmployee->Row(), 1), u"10"_s);
     editor.cmdBalance->click();
-
-    EXPECT_EQ(seen, (QStringList{u"adjustment"_s, u"list"_s}));
+    EXPECT_EQ(shown, 1);
     EXPECT_TRUE(messages->shown.isEmpty()) << messages->texts().join(u'\n').toStdString();
     EXPECT_FALSE(newId.isEmpty());
-    // Before: the lower instalments of 1402 carry the debt past the settlement in 1404/07.
-    EXPECT_GT(lastBefore, u"1404/07"_s);
-    // Three months at 30,000,000 instead of 22,220,000 end it sooner.
-    EXPECT_LT(rowsAfter, rowsBefore);
-    EXPECT_LT(lastAfter, lastBefore);
+    EXPECT_LT(rowsAfter, rowsBefore);  // three months at 30,000,000, not 22,220,000: sooner
+
     EXPECT_FALSE(module.HasWindow<FormHRException>());  // closed and unloaded
     EXPECT_EQ(module.session.LoanFormMode, 0);          // the editor's own mode again
     EXPECT_TRUE(editor.cmdBalance->isEnabled());

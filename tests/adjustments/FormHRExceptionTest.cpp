@@ -6,16 +6,9 @@
 
 #include <QDir>
 #include <QFile>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QTemporaryDir>
 
 #include "AdjustmentFixture.h"
-#include "adjustments/FormList.h"
-#include "controls/FlexGrid.h"
-#include "controls/VarekDate.h"
-#include "controls/VarekSelector.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
@@ -64,18 +57,6 @@ TEST_F(AdjustmentTest, ModeTableAndCaptions) {
     EXPECT_EQ(captions.join(u' '), u"جديد اصلاح حذف ثبت انصراف جستجو خروج"_s);
 }
 
-TEST_F(AdjustmentTest, OpensEmptyOnTheEditorsLoanAndMember) {
-    session().LoanFormMode = 0;  // the editor's view mode
-    auto& w = open(u"1"_s, 2);
-    EXPECT_EQ(t.modalShown, 1);
-    EXPECT_EQ(mode(), 3);
-    EXPECT_EQ(w.txtPaidID->text(), u"1"_s);
-    EXPECT_EQ(w.gmpEmployee->Value(), 2);
-    // Without a current member in the editor's grid the selector stays empty.
-    EXPECT_EQ(open(u"1"_s, -1).gmpEmployee->Value(), -1);
-    EXPECT_EQ(window().lblBalanceProblem->text(), u"کارمندي انتخاب نشده است."_s);
-}
-
 TEST_F(AdjustmentTest, SaveChecksRunInTheirOrder) {
     auto& w = open();
     const std::tuple<QString, QString, QString, QString> refused[] = {
@@ -90,8 +71,7 @@ TEST_F(AdjustmentTest, SaveChecksRunInTheirOrder) {
         SCOPED_TRACE(perMonth.toStdString());
         enterNew(from, to, perMonth);
         expectLast(u"هشدار"_s, warning);
-        EXPECT_EQ(mode(), 2);
-        EXPECT_EQ(adjustmentCount(), 2);
+        EXPECT_EQ(status(), u"mode 2, 2 stored"_s);
         EXPECT_EQ(w.gdcBalancePF->farsidate(), from);
         EXPECT_EQ(w.TxtPerMonth->text().isEmpty(), warning == kAbove);  // only this empties it
     }
@@ -111,9 +91,9 @@ TEST_F(AdjustmentTest, TheUncheckedPathsAreKept) {
     // An employee who is not a member: no loan row, nothing checked, stored as typed.
     enterNew(u"1401/01/01"_s, u"1405/01/01"_s, u"99000000"_s, 3);
     EXPECT_TRUE(quiet());
-    EXPECT_EQ(adjustmentCount(), 3);
+    EXPECT_EQ(status(), u"mode 0, 3 stored"_s);
     // In edit mode an empty date skips the period and amount checks and stores the empty
-    // text with 1900-01-01; an empty instalment stores -1 and reads back as no amount.
+    // text with 1900-01-01; an empty instalment stores -1.
     w.ShowFormToEdit(1);
     w.cmdEdit_Click();
     w.gdcBalancePT->Clear();
@@ -126,43 +106,16 @@ TEST_F(AdjustmentTest, TheUncheckedPathsAreKept) {
     w.TxtPerMonth->clear();
     w.cmdSave_Click();
     EXPECT_EQ(stored(1), u"1|1|1900-01-01||1900-01-01||-1"_s);
-    w.ShowFormToEdit(1);
-    EXPECT_TRUE(w.TxtPerMonth->text().isEmpty());
-    // Text that is no amount is refused with a clear warning, checked or not.
-    for (const QString& from : {u"1402/03/01"_s, QString()}) {
-        enterNew(from, u"1402/04/31"_s, u"12abc"_s);
-        expectLast(u"هشدار"_s,
-                   u"مقدار «12abc» در اقساط ماهيانه مبلغ معتبري نيست؛ فقط رقم وارد کنيد."_s);
-        EXPECT_EQ(mode(), 2);
-    }
+    // Text that is no amount is refused with a clear warning on the unchecked path too.
+    enterNew(QString(), u"1402/04/31"_s, u"12abc"_s);
+    expectLast(u"هشدار"_s,
+               u"مقدار «12abc» در اقساط ماهيانه مبلغ معتبري نيست؛ فقط رقم وارد کنيد."_s);
+    EXPECT_EQ(mode(), 2);
     // The editor shows no stored loan: nothing is checked or stored, the window goes to view.
     editor.state = 0;
     enterNew(u"1402/05/01"_s, u"1402/04/01"_s, u"1000"_s);
     EXPECT_TRUE(quiet());
-    EXPECT_EQ(mode(), 0);
-    EXPECT_EQ(adjustmentCount(), 3);
-}
-
-TEST_F(AdjustmentTest, TheTimerEnablesSaveOnlyForACompleteNewRecord) {
-    auto& w = open();
-    w.cmdNew_Click();
-    w.gmpEmployee->Clear();
-    auto tick = [&] {
-        w.Timer1_Timer();
-        return w.cmdSave->isEnabled();
-    };
-    EXPECT_FALSE(tick());
-    w.gmpEmployee->setValue(1);
-    w.gdcBalancePF->setFarsidate(u"1402/03/01"_s);
-    w.gdcBalancePT->setFarsidate(u"1402/04/31"_s);
-    w.TxtPerMonth->setText(u"   "_s);
-    EXPECT_FALSE(tick());
-    w.TxtPerMonth->setText(u"1000"_s);
-    EXPECT_TRUE(tick());
-    w.gdcBalancePT->Clear();
-    EXPECT_FALSE(tick());
-    setMode(1);  // in edit mode the timer leaves Save as the mode made it
-    EXPECT_TRUE(tick());
+    EXPECT_EQ(status(), u"mode 0, 3 stored"_s);
 }
 
 TEST_F(AdjustmentTest, DeleteAndCancelGoOnOnlyOnYes) {
@@ -174,8 +127,7 @@ TEST_F(AdjustmentTest, DeleteAndCancelGoOnOnlyOnYes) {
         EXPECT_EQ(t.messages->last().type, 1);  // a yes/no question
         expectLast(u"حذف  وام کارمندان"_s, u"آيا مطمئن هستيد؟"_s);
         EXPECT_EQ(w.lblMessage->text(), u"حذف وام کارمندان"_s);
-        EXPECT_EQ(mode(), 0);
-        EXPECT_EQ(adjustmentCount(), 2);
+        EXPECT_EQ(status(), u"mode 0, 2 stored"_s);
         w.cmdEdit_Click();
         EXPECT_EQ(session().LoanEditStarted, 1);
         w.TxtPerMonth->setText(u"7"_s);
@@ -188,11 +140,9 @@ TEST_F(AdjustmentTest, DeleteAndCancelGoOnOnlyOnYes) {
     t.messages->defaultAnswer = 1;  // yes from here on
     w.cmdCancel_Click();            // the stored record comes back, in view mode
     EXPECT_EQ(w.TxtPerMonth->text(), u"2000000"_s);
-    EXPECT_EQ(mode(), 0);
-    EXPECT_EQ(session().LoanEditStarted, 0);
+    EXPECT_EQ(mode() + session().LoanEditStarted, 0);
     w.cmdDelete_Click();  // gone, the window empty
-    EXPECT_EQ(adjustmentCount(), 1);
-    EXPECT_EQ(mode(), 3);
+    EXPECT_EQ(status(), u"mode 3, 1 stored"_s);
     EXPECT_EQ(w.txtID->text() + w.gdcBalancePF->farsidate() + w.TxtPerMonth->text(), u""_s);
     w.cmdNew_Click();  // a new record never saved is emptied
     w.TxtPerMonth->setText(u"5"_s);
@@ -219,23 +169,10 @@ TEST_F(AdjustmentTest, EditingRoundTripsTheStoredValues) {
     w.gdcBalancePT->setFarsidate(u"1402/07/30"_s);
     w.TxtPerMonth->setText(u"3/500/000"_s);
     w.cmdSave_Click();
-    EXPECT_TRUE(quiet());
+    EXPECT_TRUE(quiet() && w.lblMessage->text().isEmpty());
     EXPECT_EQ(session().LoanEditStarted, 0);
-    EXPECT_TRUE(w.lblMessage->text().isEmpty());
     EXPECT_EQ(stored(1), u"1|2|2023-07-23|1402/05/01|2023-10-22|1402/07/30|3500000"_s);
     EXPECT_EQ(adjustmentCount(), 2);
-    // An adjustment of another loan opened from the list keeps its own loan and is checked
-    // against that loan's amount (9,000,000), not the editor's.
-    w.ShowFormToEdit(2);
-    EXPECT_EQ(w.txtPaidID->text(), u"2"_s);
-    w.cmdEdit_Click();
-    w.gdcBalancePT->setFarsidate(u"1402/09/30"_s);
-    w.TxtPerMonth->setText(u"9000001"_s);
-    w.cmdSave_Click();
-    expectLast(u"هشدار"_s, kAbove);
-    w.TxtPerMonth->setText(u"9000000"_s);
-    w.cmdSave_Click();
-    EXPECT_TRUE(stored(2).startsWith(u"2|2|"_s));
 }
 
 TEST_F(AdjustmentTest, TheMembersScheduleFollowsTheMemberAndTheAdjustments) {
@@ -250,6 +187,7 @@ TEST_F(AdjustmentTest, TheMembersScheduleFollowsTheMemberAndTheAdjustments) {
     EXPECT_EQ(g.TextMatrix(14, 6), u"پس از تاريخ تسويه"_s);
     EXPECT_EQ(g.TextMatrix(15, 1) + g.TextMatrix(15, 4), u"جمع10/000/000"_s);
     EXPECT_EQ(g.Row(), 3);  // the first month without a payslip
+    EXPECT_EQ(mode(), 3);   // opened empty
     QStringList info;
     for (const char* label :
          {"lblLoanCode", "lblLoanValue", "lblRemainder", "lblDebt", "lblLastMonth"})
@@ -283,16 +221,11 @@ TEST_F(AdjustmentTest, TheScheduleIsSavedThroughTheFileDialog) {
     QFile csv(answer + u".csv"_s);
     ASSERT_TRUE(csv.open(QIODevice::ReadOnly));
     const QStringList lines = QString::fromUtf8(csv.readAll()).split(u"\r\n"_s);
-    ASSERT_EQ(lines.size(), 1 + 14 + 1 + 1);  // the last line break ends an empty line
-    EXPECT_EQ(lines[3], u"1402/03,5000000,2000000,,48000000,"_s);
-    EXPECT_EQ(lines[15], u"جمع,66000000,4000000,10000000,0,"_s);
+    EXPECT_EQ(lines.value(15), u"جمع,66000000,4000000,10000000,0,"_s);  // the member's
     answer = dir.filePath(u"member.pdf"_s);
     w.cmdExportPdf->click();
-    QFile pdf(answer);
-    ASSERT_TRUE(pdf.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(pdf.read(4) == "%PDF");
     answer.clear();  // the clerk cancels the dialog: nothing written
     w.cmdExportCsv->click();
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 2);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).join(u' '), u"member.csv member.pdf"_s);
     EXPECT_TRUE(quiet());
 }

@@ -69,19 +69,6 @@ void EditorTest::OnPicker(PickerSteps steps) {
     });
 }
 
-void EditorTest::AddMembers(std::initializer_list<qint32> employees) {
-    for (const qint32 id : employees) {
-        OnPicker(Pick(id));
-        editor().cmdAddEmp_Click();
-    }
-}
-
-void EditorTest::Edit(qint16 loan) {
-    editor().ViewPRSLoansInfo(loan);
-    editor().cmdEdit_Click();
-    ASSERT_EQ(mode(), ModeEdit);
-}
-
 QStringList EditorTest::Shown() {
     QStringList out;
     for (const ShownMessage& m : t.messages->shown)
@@ -115,10 +102,6 @@ QStringList EditorTest::MemberColumn(int col) {
     for (int r = 1; r < editor().FlexEmployee->Rows(); ++r)
         cells << editor().FlexEmployee->TextMatrix(r, col);
     return cells;
-}
-
-QVariant EditorTest::Code(int loan) {
-    return Scalar(u"select Code from tblHRLoan where ID=%1"_s.arg(loan));
 }
 
 }  // namespace kav::test

@@ -1,12 +1,26 @@
 #pragma once
 
-// A loan window on a fresh database with a few loans of every kind.
+// A loan window on a fresh database with a few loans of every kind, and the controls the
+// tests reach.
 
 #include <gtest/gtest.h>
 
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTableView>
+#include <QTest>
 #include <array>
 #include <functional>
 
+#include "controls/FlexGrid.h"
+#include "controls/VarekCurrency.h"
+#include "controls/VarekDate.h"
+#include "controls/VarekSelector.h"
 #include "loan_editor/FormHREmployee.h"
 #include "loan_editor/FormHRLoan.h"
 #include "support/QtPrinters.h"
@@ -41,9 +55,18 @@ protected:
     // Every modal window from now on: the picker runs the steps, any other shows nothing.
     void OnPicker(PickerSteps steps);
     // Adds members through the picker, one cmdAddEmp click each.
-    void AddMembers(std::initializer_list<qint32> employees);
+    void AddMembers(std::initializer_list<qint32> employees) {
+        for (const qint32 id : employees) {
+            OnPicker(Pick(id));
+            editor().cmdAddEmp_Click();
+        }
+    }
     // Shows the loan and starts an edit.
-    void Edit(qint16 loan);
+    void Edit(qint16 loan) {
+        editor().ViewPRSLoansInfo(loan);
+        editor().cmdEdit_Click();
+        ASSERT_EQ(mode(), ModeEdit);
+    }
     // The messages shown since the last call as "title: text", a question as "? title: text".
     QStringList Shown();
     // Every table a save may write, as text.
@@ -52,7 +75,9 @@ protected:
     QString MemberRow(int row);
     QStringList MemberColumn(int col);
     QVariant Scalar(const QString& sql) { return t.db.scalar(sql); }
-    QVariant Code(int loan);
+    QVariant Code(int loan) {
+        return Scalar(QStringLiteral("select Code from tblHRLoan where ID=%1").arg(loan));
+    }
     TestModule t;
 };
 

@@ -1,19 +1,7 @@
 // The loan window: its mode table, permissions, loading, new, edit, cancel and closing, and
 // its terms and dates as a clerk drives them.
 
-#include <QAction>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTest>
-
 #include "EditorFixture.h"
-#include "controls/FlexGrid.h"
-#include "controls/VarekCurrency.h"
-#include "controls/VarekDate.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
@@ -131,7 +119,7 @@ TEST_F(EditorTest, EachCommandNeedsItsOwnPermission) {
     }
 }
 
-TEST_F(EditorTest, LoadsEachKindOfLoanIntoItsFieldsAndMembers) {
+TEST_F(EditorTest, LoadsEachKindOfLoanAndNewClearsAndProposesTheDefaultDates) {
     auto& w = editor();
     const std::pair<SeedLoan, QString> loans[] = {
         {TemporaryLoan,
@@ -152,7 +140,6 @@ TEST_F(EditorTest, LoadsEachKindOfLoanIntoItsFieldsAndMembers) {
         EXPECT_EQ(w.cmdBacktoTemp->isEnabled(), loan == FinalLoan);
         EXPECT_EQ(w.FlexEmployee->Rows(), loan == TemporaryLoan ? 3 : loan == FinalLoan ? 2 : 1);
     }
-    EXPECT_EQ(w.StateValue(), 1);
     w.ViewPRSLoansInfo(TemporaryLoan);
     EXPECT_EQ(MemberRow(0).section(u'|', 2, 2), u"کد   کارمند"_s);
     EXPECT_EQ(MemberRow(1), u"1|1|1001|علي  رضايي|مريم احمدي|حسن کريمي||2|3|null"_s);
@@ -160,28 +147,17 @@ TEST_F(EditorTest, LoadsEachKindOfLoanIntoItsFieldsAndMembers) {
     const auto* g = w.FlexEmployee;
     EXPECT_EQ((QList<int>{g->ColWidth(1), g->ColWidth(7), g->ColWidth(8)}),
               (QList<int>{0, 2000, 0}));
-}
-
-TEST_F(EditorTest, NewClearsAndProposesTheDefaultDates) {
-    auto& w = editor();
-    w.ViewPRSLoansInfo(TemporaryLoan);
     w.cmdNew_Click();
     EXPECT_EQ(mode(), ModeNew);
     EXPECT_EQ(w.lblMessage->text(), u"وام کارمندان جديد"_s);
-    // The id stays; payment on the working date (parameter 3450), the first instalment on
-    // the last day of its month.
-    EXPECT_EQ(Fields(w), u"1||||||||1403/05/20|1403/05/31|||separate"_s);
-    EXPECT_EQ(w.cmbLoanType->count(), 2);
-    EXPECT_EQ(w.FlexEmployee->Rows(), 1);
-    EXPECT_FALSE(w.chkISValid->isChecked());
+    // The id stays; paid on the working date (parameter 3450), the first instalment on the last
+    // day of its month; no members.
+    EXPECT_EQ(Fields(w) + QString::number(w.FlexEmployee->Rows()),
+              u"1||||||||1403/05/20|1403/05/31|||separate1"_s);
     EXPECT_EQ(Shown(), QStringList());
-    t.db.exec(u"delete from tblVarekSystemParameters"_s);  // without it, today
-    t.module.UnloadWindow<FormHRLoan>();
-    editor().cmdNew_Click();
-    EXPECT_EQ(editor().datLoanPayDate->englishdate(), QDate::currentDate());
 }
 
-TEST_F(EditorTest, EditThenCancelReloadsOnlyOnYes) {
+TEST_F(EditorTest, CancelReloadsOnlyOnYesAndTheTimerAndMenusKeepTheCommandsInStep) {
     auto& w = editor();
     Edit(TemporaryLoan);
     EXPECT_EQ(session().LoanEditStarted, 1);
@@ -197,17 +173,29 @@ TEST_F(EditorTest, EditThenCancelReloadsOnlyOnYes) {
     }
     t.messages->answers = {1};
     w.cmdCancel_Click();
-    EXPECT_EQ(mode(), ModeView);
-    EXPECT_EQ(session().LoanEditStarted, 0);
-    EXPECT_EQ(w.txtLoanValue->Value() + w.txtNotes->text(), u"1000000وام مسکن"_s);
-    EXPECT_TRUE(w.lblMessage->text().isEmpty());
-    w.cmdNew_Click();  // a new loan never saved: the window empties
-    w.txtID->clear();
-    w.txtLoanValue->setText(u"5"_s);
-    t.messages->answers = {1};
-    w.cmdCancel_Click();
-    EXPECT_EQ(mode(), ModeEmpty);
-    EXPECT_TRUE(w.txtLoanValue->Text().isEmpty());
+    EXPECT_EQ(mode() + session().LoanEditStarted, ModeView);
+    EXPECT_EQ(w.txtLoanValue->Value() + w.txtNotes->text() + w.lblMessage->text(),
+              u"1000000وام مسکن"_s);
+    auto saves = [&] {
+        w.Timer1_Timer();
+        return w.cmdRegSave->isEnabled() && w.cmdFinSave->isEnabled();
+    };
+    w.cmdNew_Click();
+    w.txtLoanValue->setText(u"1000"_s);
+    w.cmbLoanType->setCurrentIndex(0);
+    EXPECT_FALSE(saves());  // no end date yet
+    w.datEndDate->setFarsidate(u"1403/12/29"_s);
+    EXPECT_TRUE(saves());
+    EXPECT_FALSE(w.cmdAddEmp->isEnabled());  // members only while editing
+    Edit(TemporaryLoan);
+    EXPECT_TRUE(saves() && w.cmdAddEmp->isEnabled() && w.cmdAddOrdinanceEmployees->isEnabled());
+    w.cmdNew->setEnabled(false);
+    w.mnuNew->setEnabled(true);
+    w.mnuNew->trigger();
+    EXPECT_EQ(mode(), ModeEdit);
+    w.cmdNew->setEnabled(true);
+    w.mnuNew->trigger();
+    EXPECT_EQ(mode(), ModeNew);
 }
 
 TEST_F(EditorTest, UnloadAsksByModeAndOnlyNoKeepsTheWindow) {
@@ -241,41 +229,6 @@ TEST_F(EditorTest, UnloadAsksByModeAndOnlyNoKeepsTheWindow) {
     EXPECT_TRUE(!w.isVisible() && w.IsUnloaded());
 }
 
-TEST_F(EditorTest, TimerKeepsSaveAndMemberButtonsInStep) {
-    auto& w = editor();
-    auto buttons = [&] {  // the two saves, then the three member buttons
-        w.Timer1_Timer();
-        QString on;
-        for (const QPushButton* b :
-             {w.cmdRegSave, w.cmdFinSave, w.cmdAddEmp, w.cmdAddOrdinanceEmployees, w.cmdDeleteEmp})
-            on += b->isEnabled() ? u'1' : u'0';
-        return on.insert(2, u' ');
-    };
-    w.cmdNew_Click();
-    EXPECT_EQ(buttons(), u"00 000"_s);
-    w.txtLoanValue->setText(u"1000"_s);
-    w.cmbLoanType->setCurrentIndex(0);
-    EXPECT_EQ(buttons(), u"00 000"_s);  // no end date yet
-    w.datEndDate->setFarsidate(u"1403/12/29"_s);
-    EXPECT_EQ(buttons(), u"11 000"_s);  // members only while editing
-    Edit(SparseLoan);                   // no members, no end date
-    w.cmdDeleteEmp->setEnabled(true);
-    EXPECT_EQ(buttons(), u"00 110"_s);
-    Edit(TemporaryLoan);  // two members: delete is left to the grid's own clicks
-    w.cmdDeleteEmp->setEnabled(true);
-    EXPECT_EQ(buttons(), u"11 111"_s);
-    session().LoanFormMode = ModeView;  // view mode leaves the saves alone
-    w.cmdRegSave->setEnabled(false);
-    EXPECT_EQ(buttons(), u"01 000"_s);
-    w.cmdNew->setEnabled(false);  // a menu item forwards only to an enabled button
-    w.mnuNew->setEnabled(true);
-    w.mnuNew->trigger();
-    EXPECT_EQ(mode(), ModeView);
-    w.cmdNew->setEnabled(true);
-    w.mnuNew->trigger();
-    EXPECT_EQ(mode(), ModeNew);
-}
-
 namespace {
 
 class TermsTest : public EditorTest {
@@ -289,68 +242,53 @@ protected:
         editor().cmbLoanType->setCurrentIndex(index);
         editor().cmbLoanType_Click();
     }
-    // Instalment, count, remainder, settlement date, and which of the first-month and
-    // last-month options, their label and the separate-month option are enabled.
-    QString terms() {
-        auto& w = editor();
-        QString on;
-        for (const QWidget* b : std::initializer_list<const QWidget*>{
-                 w.UseRemainedValueInFirstMonthF, w.UseRemainedValueInFirstMonthL,
-                 w.UseRemainedValueInFirstMonth, w.UseRemainedValueInSeparatedLastMonth})
-            on += b->isEnabled() ? u'1' : u'0';
-        return QStringList{w.TxtPerMonth->Value(), w.txtPayBackNumber->text(), w.txtRem->Value(),
-                           w.datEndDate->farsidate(), on}
-            .join(u' ');
-    }
-    void enterCount(const QString& count) {
-        editor().txtPayBackNumber_GotFocus();
-        editor().txtPayBackNumber->setText(count);
-        editor().txtPayBackNumber_LostFocus();
-    }
 };
 
 }  // namespace
 
-TEST_F(TermsTest, TheTypeShowsItsCeilingAndTheBoxesDriveEachOther) {
+TEST_F(TermsTest, TheTypeShowsItsCeilingAndTheCountSetsTheRemainderOptions) {
     auto& w = editor();
-    chooseType(1);  // no ceiling
-    EXPECT_TRUE(w.txtMaxLoanValue->Text().isEmpty());
     chooseType(0);
     EXPECT_EQ(w.txtMaxLoanValue->Value() + w.cmbLoanType->toolTip(), u"50000000قرض الحسنه"_s);
-    w.txtLoanValue->setText(u"50000000"_s);
-    w.txtLoanValue_LostFocus();
-    EXPECT_EQ(Shown(), QStringList());
     w.txtLoanValue->setText(u"50000001"_s);  // warned, but kept
     w.txtLoanValue_LostFocus();
     EXPECT_EQ(Shown(),
               QStringList{u"هشدار: مبلغ درخواستي شما از سقف  وام (50000000) بيشتر شده است."_s});
-    w.txtLoanValue->setText(u"1000000"_s);
-    w.datBeginDate->setFarsidate(u"1403/02/15"_s);
-    enterCount(u"12"_s);
-    EXPECT_EQ(terms(), u"83333 12 4 1404/01/31 1111"_s);
-    w.txtLoanValue->setText(u"900"_s);
-    enterCount(u"3"_s);
-    EXPECT_EQ(terms(), u"300 3 0 1403/04/31 0001"_s);
-    w.txtLoanValue->setText(u"1000"_s);
-    enterCount(u"3"_s);  // the count left as it was: nothing recomputed
-    EXPECT_EQ(terms(), u"300 3 0 1403/04/31 0001"_s);
-    w.txtLoanValue->setText(u"1/000"_s);
-    w.TxtPerMonth_GotFocus();
-    w.TxtPerMonth->setText(u"500"_s);
-    w.TxtPerMonth_LostFocus();
-    EXPECT_EQ(terms(), u"500 2 0 1403/03/31 0001"_s);
+    for (const auto& [amount, options] :
+         {std::pair{u"1000000"_s, u"1111"_s}, {u"900"_s, u"0001"_s}}) {
+        w.txtLoanValue->setText(amount);  // 12 of 1000000 leave a remainder, 3 of 900 none
+        w.txtPayBackNumber_GotFocus();
+        w.txtPayBackNumber->setText(amount == u"900" ? u"3"_s : u"12"_s);
+        w.txtPayBackNumber_LostFocus();
+        QString on;  // first month, last month, their label, a separate month
+        for (const QWidget* b : {static_cast<QWidget*>(w.UseRemainedValueInFirstMonthF),
+                                 static_cast<QWidget*>(w.UseRemainedValueInFirstMonthL),
+                                 static_cast<QWidget*>(w.UseRemainedValueInFirstMonth),
+                                 static_cast<QWidget*>(w.UseRemainedValueInSeparatedLastMonth)})
+            on += b->isEnabled() ? u'1' : u'0';
+        EXPECT_EQ(on, options);
+    }
     w.cmbLoanType_KeyDown(46);  // Delete empties the type and its ceiling
     EXPECT_EQ(w.cmbLoanType->currentIndex(), -1);
     EXPECT_TRUE(w.txtMaxLoanValue->Text().isEmpty());
 }
 
-TEST_F(TermsTest, ArithmeticErrorsAreShownNotThrown) {
+TEST_F(TermsTest, KeysAndArithmeticErrorsAreHandledInTheWindow) {
     auto& w = editor();
-    chooseType(0);
-    w.txtLoanValue->setText(u"1000"_s);
-    w.datBeginDate->setFarsidate(u"1403/02/15"_s);
     w.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&w));
+    w.txtLoanValue->SetFocus();  // an amount typed before the type: warned, nothing lands
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_5, Qt::NoModifier);
+    EXPECT_EQ(Shown(), QStringList{u"هشدار: ابتدا نوع وام را مشخص كنيد."_s});
+    EXPECT_TRUE(w.txtLoanValue->Text().isEmpty());
+    EXPECT_TRUE(w.cmbLoanType->hasFocus());
+    chooseType(0);
+    w.txtLoanValue->SetFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::NoModifier);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_7, Qt::NoModifier);
+    EXPECT_EQ(w.txtLoanValue->Value(), u"7"_s);
+    w.txtLoanValue->setText(u"1000"_s);
+    w.datBeginDate->setFarsidate(u"1403/02/15"_s);
     // A count beyond 16 bits fails the settlement date, the first step: nothing is written.
     // A count that rounds to 0 fails only the modulo of the last step: what was computed
     // before it stays written.
@@ -369,38 +307,4 @@ TEST_F(TermsTest, ArithmeticErrorsAreShownNotThrown) {
         EXPECT_EQ(w.datEndDate->IsEmpty(), count == u"40000");
         EXPECT_EQ(mode(), ModeNew);
     }
-}
-
-TEST_F(TermsTest, TypingAnAmountWithoutATypeWarnsAndLandsNothing) {
-    auto& w = editor();
-    w.show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&w));
-    w.txtLoanValue->SetFocus();
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_5, Qt::NoModifier);
-    EXPECT_EQ(Shown(), QStringList{u"هشدار: ابتدا نوع وام را مشخص كنيد."_s});
-    EXPECT_TRUE(w.txtLoanValue->Text().isEmpty());
-    EXPECT_TRUE(w.cmbLoanType->hasFocus());
-    chooseType(0);
-    w.txtLoanValue->SetFocus();
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::NoModifier);
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_7, Qt::NoModifier);
-    EXPECT_EQ(w.txtLoanValue->Value(), u"7"_s);
-}
-
-TEST_F(TermsTest, DateOrderRules) {
-    auto& w = editor();
-    w.datLoanPayDate->setFarsidate(u"1403/05/20"_s);
-    w.datBeginDate->setFarsidate(u"1403/05/10"_s);
-    w.datBeginDate_Change();
-    EXPECT_EQ(Shown(), QStringList{u"اشکال: تاريخ شروع قسط نبايد قبل از تاريخ پرداخت باشد."_s});
-    EXPECT_TRUE(w.datBeginDate->IsEmpty());
-    w.datBeginDate->setFarsidate(u"1403/05/31"_s);
-    w.datEndDate->setFarsidate(u"1403/12/29"_s);
-    w.datLoanPayDate->setFarsidate(u"1403/06/01"_s);
-    w.datLoanPayDate_Change();  // silently
-    EXPECT_TRUE(w.datBeginDate->IsEmpty() && !w.datEndDate->IsEmpty());
-    EXPECT_EQ(Shown(), QStringList());
-    w.datEndDate->setFarsidate(u"1403/05/01"_s);
-    w.datEndDate_Change();
-    EXPECT_TRUE(w.datEndDate->IsEmpty());
 }

@@ -1,26 +1,14 @@
-// The editor's statements as SQL Server receives them (the SQLite texts run in the window
-// tests); saving a loan temporary or final, deleting it and returning it to temporary: the loan
-// numbers, the overlap question, every write all or nothing, also with two clients saving at
-// once; and a clerk's day on the demo database.
+// The editor's statements as SQL Server receives them (the window tests run the SQLite texts);
+// saving, deleting and returning to temporary: the loan numbers, the overlap question, every
+// write all or nothing, also with two clients at once; and a clerk's day on the demo database.
 
 #include <gtest/gtest.h>
 
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTableView>
 #include <QTemporaryDir>
-#include <QTest>
 #include <thread>
 
 #include "EditorFixture.h"
 #include "base/Errors.h"
-#include "controls/FlexGrid.h"
-#include "controls/VarekCurrency.h"
-#include "controls/VarekDate.h"
-#include "controls/VarekSelector.h"
 #include "data/DemoData.h"
 #include "loan_editor/LoanEditorSql.h"
 #include "loan_editor/LoanSave.h"
@@ -35,41 +23,29 @@ namespace {
 
 const data::SqlDialect kServer(data::DatabaseKind::SqlServer);
 
-LoanRecord sampleLoan() {
-    LoanRecord loan;
-    loan.isFinal = true;
-    loan.typeId = 3;
-    loan.payDate = QDate(2024, 3, 25);
-    loan.farsiPayDate = u"1403/01/06"_s;
-    loan.beginDate = QDate(2024, 4, 19);
-    loan.farsiBeginDate = u"1403/01/31"_s;
-    loan.endDate = QDate(2025, 3, 20);
-    loan.farsiEndDate = u"1403/12/30"_s;
-    loan.loanValue = u"1000000"_s;
-    loan.originalValue = u"1200000"_s;
-    loan.monthlyValue = u"83333"_s;
-    loan.payBackNumber = u"12"_s;
-    loan.remainderOption = 1;
-    loan.notes = u"وام مسکن"_s;
-    loan.members = {{u"12"_s, {u"40"_s, u"null"_s, u"null"_s}},
-                    {u"40"_s, {u"null"_s, u"null"_s, u"null"_s}}};
-    return loan;
-}
+// A final loan with every value given, of members 12 (guarantor 40) and 40.
+// clang-format off
+const LoanRecord kLoan{
+    .isFinal = true, .typeId = 3, .payDate = QDate(2024, 3, 25), .beginDate = QDate(2024, 4, 19),
+    .endDate = QDate(2025, 3, 20), .farsiPayDate = u"1403/01/06"_s,
+    .farsiBeginDate = u"1403/01/31"_s, .farsiEndDate = u"1403/12/30"_s,
+    .loanValue = u"1000000"_s, .originalValue = u"1200000"_s, .monthlyValue = u"83333"_s,
+    .payBackNumber = u"12"_s, .remainderOption = 1, .notes = u"وام مسکن"_s,
+    .members = {{u"12"_s, {u"40"_s, u"null"_s, u"null"_s}},
+                {u"40"_s, {u"null"_s, u"null"_s, u"null"_s}}}};
+// clang-format on
 
 }  // namespace
 
 TEST(LoanSaveSql, SqlServerTextsOfSavingDeletingAndBackToTemporary) {
-    const LoanRecord loan = sampleLoan();
     EXPECT_EQ(
-        CheckedTsql(loan_save::OverlapQuery(kServer, loan, 57)),
+        CheckedTsql(loan_save::OverlapQuery(kServer, kLoan, 57)),
         u"Select distinct EmployeeID from tblHRLoanDetail Where EmployeeID in (12,40) and LoanID <> 57 and LoanID in (Select x.ID from tblHRLoan x Where Not (x.BeginDate>'20250320' Or x.EndDate < '20240419') and TypeID=3)"_s);
-    EXPECT_TRUE(loan_save::OverlapQuery(kServer, loan, -1).contains(u" and LoanID <> -1 and "_s));
     EXPECT_EQ(
-        CheckedTsql(loan_save::InsertHeader(kServer, loan)),
+        CheckedTsql(loan_save::InsertHeader(kServer, kLoan)),
         u"insert into tblHRLoan (TypeID, PaymentDate, FarsiPaymentDate, BeginDate, FarsiBeginDate, EndDate, FarsiEndDate, LoanValue) Values (3, '20240325', '1403/01/06', '20240419', '1403/12/30', '20250320', '20250320', 1000000)"_s);
     EXPECT_EQ(CheckedTsql(loan_save::MaxId()), u"Select MAX(ID) as MAXID from tblHRLoan"_s);
-
-    const QStringList final = loan_save::Writes(kServer, loan, 57);
+    const QStringList final = loan_save::Writes(kServer, kLoan, 57);
     for (const QString& sql : final) CheckedTsql(sql);
     EXPECT_EQ(
         final,
@@ -78,19 +54,16 @@ TEST(LoanSaveSql, SqlServerTextsOfSavingDeletingAndBackToTemporary) {
             u"delete tblHRLoanDetail Where LoanID=57"_s,
             u"insert into tblHRLoanDetail(LoanID, EmployeeID, SupporterEmployeeID1, SupporterEmployeeID2, SupporterEmployeeID3) Values (57, 12, 40, null, null)"_s,
             u"insert into tblHRLoanDetail(LoanID, EmployeeID, SupporterEmployeeID1, SupporterEmployeeID2, SupporterEmployeeID3) Values (57, 40, null, null, null)"_s}));
-
     // A temporary save of empty boxes: the empty Jalali text with 1900-01-01, Null count
     // and notes, 0 amounts; a quote in the notes is doubled.
-    LoanRecord sparse = sampleLoan();
-    sparse.isFinal = false;
-    sparse.payDate = QDate();
-    sparse.farsiPayDate.clear();
-    sparse.originalValue.clear();
-    sparse.monthlyValue = u"  "_s;
-    sparse.payBackNumber.clear();
-    sparse.remainderOption = 0;
-    sparse.notes = u"   "_s;
-    sparse.members.clear();
+    LoanRecord sparse{.typeId = 3,
+                      .beginDate = QDate(2024, 4, 19),
+                      .endDate = QDate(2025, 3, 20),
+                      .farsiBeginDate = u"1403/01/31"_s,
+                      .farsiEndDate = u"1403/12/30"_s,
+                      .loanValue = u"1000000"_s,
+                      .monthlyValue = u"  "_s,
+                      .notes = u"   "_s};
     const QStringList temporary = loan_save::Writes(kServer, sparse, 57);
     ASSERT_EQ(temporary.size(), 2);
     EXPECT_EQ(
@@ -99,7 +72,6 @@ TEST(LoanSaveSql, SqlServerTextsOfSavingDeletingAndBackToTemporary) {
     sparse.notes = u"O'Brien's"_s;
     EXPECT_TRUE(CheckedTsql(loan_save::Writes(kServer, sparse, 57)[0])
                     .endsWith(u", Notes='O''Brien''s' Where ID= 57"_s));
-
     const QStringList deletion = loan_save::DeleteLoan(kServer, 57);
     EXPECT_EQ(deletion, (QStringList{u"delete tblHRLoanDetail where LoanID=57 "_s,
                                      u"delete tblHRLoan where ID=57 "_s}));
@@ -118,7 +90,7 @@ TEST(LoanSaveSql, TheCountIsWrittenOnlyAsAWholeNumber) {
     // clang-format on
     for (const auto& [typed, written] : cases)
         EXPECT_EQ(loan_save::CountSql(typed), written) << typed.toStdString();
-    LoanRecord loan = sampleLoan();
+    LoanRecord loan = kLoan;
     loan.payBackNumber = u"12.5"_s;
     EXPECT_THROW(loan_save::Writes(kServer, loan, 57), KavError);
 }
@@ -164,16 +136,7 @@ TEST_F(SaveTest, ATemporarySaveStoresTheLoanAsTypedAndAFinalOneNeedsMembers) {
     EXPECT_EQ(Shown(), QStringList{u"خطا: هيچ کارمندي مشخص نشده است."_s});
     EXPECT_EQ(loans(), 5);
     EXPECT_EQ(mode(), ModeNew);
-    w.txtPayBackNumber->setText(u"12.5"_s);  // refused before anything is written
-    const QString before = Snapshot();
-    w.cmdRegSave_Click();
-    EXPECT_EQ(Shown(), QStringList{u"خطا: تعداد اقساط «12.5» عدد صحيح نيست؛ وام ثبت نشد."_s});
-    EXPECT_EQ(Snapshot(), before);
-    EXPECT_EQ(mode(), ModeNew);
-
-    w.txtPayBackNumber->setText(u"۴"_s);
     session().LoanEditStarted = 1;
-    w.lblMessage->setText(u"x"_s);
     w.cmdRegSave_Click();
     EXPECT_EQ(Shown(), QStringList());
     EXPECT_EQ(stored(6),
@@ -182,9 +145,7 @@ TEST_F(SaveTest, ATemporarySaveStoresTheLoanAsTypedAndAFinalOneNeedsMembers) {
     EXPECT_EQ(loans(), 6);
     EXPECT_EQ(Scalar(u"select count(*) from tblHRLoanDetail where LoanID=6"_s).toInt(), 0);
     EXPECT_EQ(w.txtID->text() + w.txtNotes->text(), u"6 قرض 'ويژه' O'Brien "_s);  // read back
-    EXPECT_EQ(mode(), ModeView);
-    EXPECT_EQ(session().LoanEditStarted, 0);
-    EXPECT_TRUE(w.lblMessage->text().isEmpty());
+    EXPECT_EQ(mode() + session().LoanEditStarted, ModeView);
 }
 
 TEST_F(SaveTest, FinalCodesAreOneMoreThanTheGreatestOfAnyTypeAndBackToTemporaryAsksFirst) {
@@ -208,8 +169,6 @@ TEST_F(SaveTest, FinalCodesAreOneMoreThanTheGreatestOfAnyTypeAndBackToTemporaryA
     w.ShowFormToEdit();  // a temporary save clears the code of a loan that had one
     w.cmdRegSave_Click();
     EXPECT_EQ(final(TemporaryLoan), u"  10"_s);
-    EXPECT_EQ(Code(FinalLoan).toInt(), 41);  // other loans keep theirs
-
     w.ViewPRSLoansInfo(FinalLoan);
     for (const int answer : {0, 5}) {
         t.messages->answers = {answer};
@@ -220,7 +179,6 @@ TEST_F(SaveTest, FinalCodesAreOneMoreThanTheGreatestOfAnyTypeAndBackToTemporaryA
     t.messages->answers = {1};
     w.cmdBacktoTemp->click();
     EXPECT_EQ(final(FinalLoan), u"  10"_s);
-    EXPECT_EQ(mode(), ModeView);
     EXPECT_TRUE(w.cmdDelete->isEnabled());
     w.cmdEdit->click();  // final again: one more than the greatest code left (1)
     w.cmdFinSave_Click();
@@ -245,16 +203,7 @@ TEST_F(SaveTest, DeleteAsksFirstAndPayslipRowsRefuseEditDeleteAndBackToTemporary
     EXPECT_EQ(loans(), 4);
     EXPECT_EQ(Scalar(u"select group_concat(LoanID) from tblHRLoanDetail"_s).toString(), u"2,5"_s);
     EXPECT_EQ(mode(), ModeEmpty);
-    EXPECT_EQ(w.lblMessage->text(), u" "_s);
-    EXPECT_EQ(w.txtID->text() + w.txtLoanValue->Text(), u""_s);
-    EXPECT_EQ(w.FlexEmployee->Rows(), 1);
-    w.ViewPRSLoansInfo(SeparateLoan);  // without a loan id nothing is deleted, the window empties
-    w.txtID->clear();
-    w.cmdDelete_Click();
-    EXPECT_EQ(loans(), 4);
-    EXPECT_EQ(mode(), ModeEmpty);
-    EXPECT_TRUE(w.txtLoanValue->Text().isEmpty());
-
+    EXPECT_EQ(w.txtID->text() + w.txtLoanValue->Text() + w.lblMessage->text(), u" "_s);
     const QString refused =
         u"اشکال: به دليل محاسبه در فيش هاي حقوقي (%1 عدد)، امکان %2 وجود ندارد!"_s;
     Shown();
@@ -421,7 +370,7 @@ TEST(LoanEditorSql, SqlServerTextsAreTheSuitesTexts) {
         u"select vw.*, e1.FirstName +' '+e1.SureName as 'Supporter1', e2.FirstName +' '+e2.SureName as 'Supporter2', e3.FirstName +' '+e3.SureName as 'Supporter3' from vwHRLoanEmployees vw left outer join tblemployee e1 on supporterEmployeeid1=e1.id left outer join tblemployee e2 on supporteremployeeid2=e2.id left outer join tblemployee e3 on supporteremployeeid3=e3.id where vw.LoanID=12"_s);
 }
 
-TEST(ClerkPath, NewLoanMembersFinalBackToTemporaryAndDeleteOnTheDemoDatabase) {
+TEST(ClerkPath, NewLoanMembersFinalBackToTemporaryAndDeletedOnTheDemoDatabase) {
     QTemporaryDir dir;
     const QString file = dir.filePath(u"demo.db"_s);
     data::CreateDemoDatabase(file);
@@ -429,7 +378,6 @@ TEST(ClerkPath, NewLoanMembersFinalBackToTemporaryAndDeleteOnTheDemoDatabase) {
     probe.db().close();
     probe.db().setDatabaseName(file);
     ASSERT_TRUE(probe.db().open());
-
     auto messages = std::make_shared<MessageScript>();
     Module module;
     module.session.SessionConnectionString = data::EmbeddedConnectionString(file);
@@ -437,34 +385,19 @@ TEST(ClerkPath, NewLoanMembersFinalBackToTemporaryAndDeleteOnTheDemoDatabase) {
     module.session.SessionTitle = u"وام کارمندان"_s;
     module.SetMessageFactory(ScriptedFactory(messages));
     module.OpenSessionConnection();
-    const QList<Row> active =
-        probe.rows(u"select ID from tblEmployee where WorkStatusID <> 3 order by ID limit 3"_s);
-    ASSERT_EQ(active.size(), 3);
-    const qint32 member = active[0][u"id"_s].toInt(), guarantor = active[1][u"id"_s].toInt();
+    const qint32 member =
+        probe.scalar(u"select min(ID) from tblEmployee where WorkStatusID <> 3"_s).toInt();
     module.SetModalRunner([&](QDialog& d) {
-        if (auto* p = qobject_cast<FormHREmployee*>(&d)) {
-            p->sltEmployeeID->setValue(member);
-            emit p->sltEmployeeID->Changed();
-            p->sltSupportEmployeeID1->setValue(guarantor);
-            p->cmdOK->click();
-        }
+        if (auto* p = qobject_cast<FormHREmployee*>(&d)) Pick(member)(*p);
         return 0;
     });
-    auto errors = [&] {
-        QStringList e;
-        for (const auto& m : messages->shown)
-            if (m.title == u"خطا") e << m.text;
-        return e.join(u'\n').toStdString();
-    };
     auto& w = module.Window<FormHRLoan>();
     module.session.LoanFormMode = ModeEmpty;
     w.DisableLockComponent();
     w.show();
     w.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&w));
-
-    // A new loan, saved temporary.
-    QTest::mouseClick(w.cmdNew, Qt::LeftButton);
+    QTest::mouseClick(w.cmdNew, Qt::LeftButton);  // a new loan, saved temporary
     w.cmbLoanType->setCurrentIndex(0);
     emit w.cmbLoanType->activated(0);
     w.txtLoanValue->SetFocus();
@@ -473,58 +406,40 @@ TEST(ClerkPath, NewLoanMembersFinalBackToTemporaryAndDeleteOnTheDemoDatabase) {
     QTest::keyClicks(w.txtPayBackNumber, u"12"_s);
     w.TxtPerMonth->SetFocus();  // leaving the count computes the instalment and the end
     EXPECT_EQ(w.TxtPerMonth->Value(), u"2000000"_s);
-    ASSERT_FALSE(w.datEndDate->IsEmpty());
     QTRY_VERIFY(w.cmdRegSave->isEnabled());
     QTest::mouseClick(w.cmdRegSave, Qt::LeftButton);
-    ASSERT_EQ(module.session.LoanFormMode, ModeView) << errors();
+    ASSERT_EQ(module.session.LoanFormMode, ModeView) << messages->texts().join(u'\n').toStdString();
     const QString id = w.txtID->text();
     EXPECT_EQ(id, probe.scalar(u"select max(ID) from tblHRLoan"_s).toString());
-
-    // Members: one picked with a guarantor, then everyone with an ordinance in the period; one
-    // clicked in the grid and removed; then the final save.
+    // Members: one picked, then everyone with an ordinance in the period; one clicked in the
+    // grid and removed; then the final save.
     QTest::mouseClick(w.cmdEdit, Qt::LeftButton);
     QTRY_VERIFY(w.cmdAddEmp->isEnabled());
     QTest::mouseClick(w.cmdAddEmp, Qt::LeftButton);
-    EXPECT_EQ(w.FlexEmployee->TextMatrix(1, 1) + w.FlexEmployee->TextMatrix(1, 7),
-              QString::number(member) + QString::number(guarantor));
+    EXPECT_EQ(w.FlexEmployee->TextMatrix(1, 1), QString::number(member));
     QTest::mouseClick(w.cmdAddOrdinanceEmployees, Qt::LeftButton);
     const int members = w.FlexEmployee->Rows() - 1;
-    ASSERT_GT(members, 2);
     QTest::mouseClick(w.cmdRegSave, Qt::LeftButton);
-    const QString count = u"select count(*) from tblHRLoanDetail where LoanID="_s + id;
-    EXPECT_EQ(probe.scalar(count).toInt(), members);
     QTest::mouseClick(w.cmdEdit, Qt::LeftButton);
     QTableView* view = w.FlexEmployee->view();
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {},
                       view->visualRect(view->model()->index(1, 3)).center());
-    ASSERT_TRUE(w.cmdDeleteEmp->isEnabled());
     QTest::mouseClick(w.cmdDeleteEmp, Qt::LeftButton);
-    EXPECT_EQ(probe.scalar(count).toInt(), members - 1);
     QTRY_VERIFY(w.cmdFinSave->isEnabled());
     QTest::mouseClick(w.cmdFinSave, Qt::LeftButton);
-    ASSERT_EQ(module.session.LoanFormMode, ModeView) << errors();
+    const QString count = u"select count(*) from tblHRLoanDetail where LoanID="_s + id;
     const QString code = u"select Code from tblHRLoan where ID="_s + id;
+    EXPECT_EQ(probe.scalar(count).toInt(), members - 1);
     EXPECT_FALSE(w.txtCode->text().isEmpty());
     EXPECT_EQ(w.txtCode->text(), probe.scalar(code).toString());
-    EXPECT_EQ(probe.scalar(count).toInt(), members - 1);
-
-    // Back to temporary, and another temporary loan without payslip rows deleted.
-    QTest::mouseClick(w.cmdBacktoTemp, Qt::LeftButton);
+    QTest::mouseClick(w.cmdBacktoTemp, Qt::LeftButton);  // back to temporary
     EXPECT_TRUE(probe.scalar(code).isNull());
-    EXPECT_TRUE(w.txtCode->text().isEmpty() && w.cmdDelete->isEnabled());
-    const qint32 other =
-        probe
-            .scalar(u"select min(ID) from tblHRLoan where Code is null and ID <> "_s + id +
-                    u" and ID not in (select LoanID from tblHRMonthlyPaiedLoan)"_s)
-            .toInt();
-    w.ViewPRSLoansInfo(other);
-    QTest::mouseClick(w.cmdDelete, Qt::LeftButton);
+    QTest::mouseClick(w.cmdDelete, Qt::LeftButton);  // and deleted
     EXPECT_EQ(module.session.LoanFormMode, ModeEmpty);
-    EXPECT_EQ(probe
-                  .scalar(u"select (select count(*) from tblHRLoan where ID=%1) + (select "
-                          "count(*) from tblHRLoanDetail where LoanID=%1)"_s.arg(other))
-                  .toInt(),
+    EXPECT_EQ(probe.scalar(u"select count(*) from tblHRLoan where ID="_s + id).toInt() +
+                  probe.scalar(count).toInt(),
               0);
-    EXPECT_EQ(errors(), "");
+    for (const ShownMessage& m : messages->shown)
+        EXPECT_NE(m.title, u"خطا"_s) << m.text.toStdString();
     w.hide();
 }

@@ -1,6 +1,6 @@
 // The arithmetic of the loan terms without a window: the instalment, the remainder, the
 // remainder options and the settlement date from the count or the instalment, the ceiling, the
-// amount keys, the order of the three dates and the settlement date over the calendar.
+// order of the three dates and the settlement date over the calendar.
 
 #include <gtest/gtest.h>
 
@@ -64,7 +64,6 @@ TEST(LeavingCount, GivesInstalmentRemainderOptionsAndSettlement) {
     const Case cases[] = {
         {u"1/000/000"_s, u"3"_s, {}, u"333333|1|on|-|-"_s},
         {u"900"_s, u"3"_s, {}, u"300|0|off|-|-"_s},
-        {u"1/200"_s, u"3"_s, {}, u"400|0|off|-|-"_s},
         {u"1000"_s, u"12"_s, u"1403/02/15"_s, u"83|4|on| 1404/ 1/ 31|-"_s},
         // Halves round to even in the modulo and the settlement date: 2.5 -> 2, 3.5 -> 4,
         // 10.5 -> 10, 11.5 -> 12; the instalment is Int(amount / count).
@@ -80,7 +79,6 @@ TEST(LeavingCount, GivesInstalmentRemainderOptionsAndSettlement) {
         {u"922/337/203/685/476"_s, u"7"_s, {}, u"131762457669353|5|on|-|-"_s},
         // Persian and Arabic-Indic digits read as the digits they are.
         {u"1000000"_s, u"۳"_s, u"1403/01/10"_s, u"333333|1|on| 1403/ 3/ 31|-"_s},
-        {u"1000000"_s, u"٣"_s, u"1403/01/10"_s, u"333333|1|on| 1403/ 3/ 31|-"_s},
         {u"1000"_s, u"۱۲"_s, u"1403/02/15"_s, u"83|4|on| 1404/ 1/ 31|-"_s},
         // Without a first-instalment date there is no settlement date to overflow.
         {u"1000"_s, u"40000"_s, {}, u"0|1000|on|-|-"_s},
@@ -94,11 +92,10 @@ TEST(LeavingCount, GivesInstalmentRemainderOptionsAndSettlement) {
 
 TEST(LeavingCount, AnUnchangedNumberRecomputesNothing) {
     // The amount changed meanwhile; the count did not (3.00 and ۳ are the same number).
-    for (const QString& same : {u"3.00"_s, u"۳"_s, u"٣"_s})
+    for (const QString& same : {u"3.00"_s, u"۳"_s})
         EXPECT_TRUE(PayBackNumberLeft(fields(u"5000"_s, same, u"1403/01/10"_s),
                                       PayBackNumberGotFocus(u"3"_s))
                         .isEmpty());
-    EXPECT_EQ(PayBackNumberGotFocus(u"۳"_s), vb::CCur(3.0));
     EXPECT_FALSE(
         PayBackNumberLeft(fields(u"5000"_s, u"4"_s), PayBackNumberGotFocus(u"3"_s)).isEmpty());
 }
@@ -116,8 +113,6 @@ TEST(LeavingCount, AnErrorComesAfterWhatTheStepsBeforeItComputed) {
     // The settlement date, the first step, rounds the count to 16 bits: nothing is computed.
     EXPECT_EQ(test::RaisedKind([] { leaveCount(fields(u"1000"_s, u"40000"_s, u"1403/01/10"_s)); }),
               KavError::Kind::Overflow);
-    EXPECT_EQ(test::RaisedKind([] { leaveCount(fields(u"1000"_s, u"3x"_s, u"1403/01/10"_s)); }),
-              KavError::Kind::TypeMismatch);
 }
 
 TEST(LeavingPerMonth, GivesTheCountRemainderAndSettlementDate) {
@@ -137,13 +132,10 @@ TEST(LeavingAmount, WarnsAboveTheCeilingCountsFromTheInstalmentAndRefillsWhenBla
     EXPECT_FALSE(CeilingWarning(u"1/000/000"_s, 1000000.0));
     EXPECT_EQ(CeilingWarning(u"1/000/001"_s, 1000000.0), above);
     EXPECT_EQ(CeilingWarning(u"1000001"_s, u"1000000.0000"_s), above);
-    EXPECT_EQ(CeilingWarning(u"1000001"_s, qlonglong(1000000)), above);
     EXPECT_FALSE(CeilingWarning(u"999999999"_s, QVariant()));
     EXPECT_EQ(test::RaisedKind([] { CeilingWarning(u"1"_s, u"abc"_s); }),
               KavError::Kind::TypeMismatch);
-    EXPECT_EQ(CeilingText(QVariant()), QString());
-    EXPECT_EQ(CeilingText(2500000.5), u"2500000.5"_s);
-
+    EXPECT_EQ(CeilingText(QVariant()) + u' ' + CeilingText(2500000.5), u" 2500000.5"_s);
     const TermsUpdate u = LoanValueLeft(fields(u"1/000"_s, {}, {}, u"300"_s), 900.0);
     EXPECT_EQ(Text(u), u"-|100|-|-|3"_s);
     EXPECT_TRUE(u.warning);
@@ -155,24 +147,6 @@ TEST(LeavingAmount, WarnsAboveTheCeilingCountsFromTheInstalmentAndRefillsWhenBla
     EXPECT_EQ(Text(refill), u"-|-|-|-|-"_s);
     EXPECT_FALSE(refill.warning);
     EXPECT_EQ(OriginalValueLeft(blank), u"5000"_s);
-}
-
-TEST(AmountKeys, FilterDigitsAndRequireTheLoanType) {
-    const LoanValueKey noType = LoanValueKeyPress(2, false, u'5');
-    EXPECT_EQ(noType.keyAscii, 0);
-    EXPECT_EQ(noType.warning, (Message{u"هشدار"_s, u"ابتدا نوع وام را مشخص كنيد."_s}));
-    EXPECT_TRUE(noType.clearAmountAndFocusType);
-    const LoanValueKey viewing = LoanValueKeyPress(0, false, u'x');
-    EXPECT_EQ(viewing.keyAscii, u'x');
-    EXPECT_FALSE(viewing.warning);
-    for (int key : {int(u'0'), int(u'9'), int(u'.'), 8}) {
-        EXPECT_EQ(LoanValueKeyPress(1, true, key).keyAscii, key);
-        EXPECT_EQ(PerMonthKeyPress(key), key);
-    }
-    for (int key : {int(u'a'), int(u'-'), int(u'/'), 0x06F5 /* Persian five */}) {
-        EXPECT_EQ(LoanValueKeyPress(1, true, key).keyAscii, 0);
-        EXPECT_EQ(PerMonthKeyPress(key), 0);
-    }
 }
 
 namespace {
@@ -198,10 +172,10 @@ DateFields dates(const QString& pay, const QString& begin, const QString& end,
 
 TEST(NextMonth, KeepsTheOddPadding) {
     const QString esfand = u"1403/12/10"_s;
-    const std::pair<QString, QString> cases[] = {
-        {esfand, u"1404/01/01"_s},           {u"1403/11/10"_s, u"1403/012/01"_s},
-        {u"1403/09/20"_s, u"1403/010/01"_s}, {u"1403/08/10"_s, u"1403/9/01"_s},
-        {u"1403/05/20"_s, u"1403/6/01"_s},   {u"1403/01/10"_s, u"1403/2/01"_s}};
+    const std::pair<QString, QString> cases[] = {{esfand, u"1404/01/01"_s},
+                                                 {u"1403/11/10"_s, u"1403/012/01"_s},
+                                                 {u"1403/09/20"_s, u"1403/010/01"_s},
+                                                 {u"1403/05/20"_s, u"1403/6/01"_s}};
     for (const auto& [date, next] : cases)
         EXPECT_EQ(getNextMonth(date, esfand), next) << date.toStdString();
     EXPECT_EQ(getNextMonth(u"1403/13/10"_s, u"1403/13/10"_s), QString());
@@ -241,18 +215,12 @@ TEST(SettlementDate, RoundsTheCountByCaller) {
     EXPECT_EQ(RoundCount(u"2.5"_s, CountWidth::Int16), 2);
     EXPECT_EQ(RoundCount(u"3.5"_s, CountWidth::Int16), 4);
     EXPECT_EQ(RoundCount(u"32768"_s, CountWidth::Int32), 32768);
+    EXPECT_EQ(RoundCount(u"\u0661\u0662"_s, CountWidth::Int32), 12);  // Arabic-Indic digits
     EXPECT_EQ(test::RaisedKind([] { RoundCount(u"32768"_s, CountWidth::Int16); }),
               KavError::Kind::Overflow);
     EXPECT_EQ(test::RaisedKind([] { RoundCount(u"abc"_s, CountWidth::Int32); }),
               KavError::Kind::TypeMismatch);
     EXPECT_EQ(test::RaisedKind([] { EndDateText(40000, 1403, 1, 1); }), KavError::Kind::Overflow);
-    EXPECT_EQ(EndDateFromCount(u"12"_s, CountWidth::Int32, u"1403/02/15"_s), u" 1404/ 1/ 31"_s);
-    // Persian and Arabic-Indic digits count as the digits they are.
-    EXPECT_EQ(RoundCount(u"\u06F1\u06F2"_s, CountWidth::Int16), 12);
-    EXPECT_EQ(RoundCount(u"\u0661\u0662"_s, CountWidth::Int32), 12);
-    const DateFields persian = dates(QString(), u"1403/02/15"_s, QString(), u"\u06F1\u06F2"_s);
-    EXPECT_EQ(EndDateChanged(persian).endDate, u" 1404/ 1/ 31"_s);
-    EXPECT_EQ(BeginDateChanged(persian).endDate, u" 1404/ 1/ 31"_s);
 }
 
 TEST(DateOrder, PayDateClearsLaterDatesSilentlyFirstInstalmentWarnsSettlementIsDerived) {
@@ -261,9 +229,7 @@ TEST(DateOrder, PayDateClearsLaterDatesSilentlyFirstInstalmentWarnsSettlementIsD
         return flags({r.clearBeginDate, r.focusLoanType, r.clearEndDate});
     };
     EXPECT_EQ(pay(dates(u"1403/05/10"_s, u"1403/05/09"_s, u"1403/05/10"_s)), u"111"_s);
-    EXPECT_EQ(pay(dates(u"1403/05/10"_s, u"1403/05/10"_s, u"1403/05/11"_s)), u"000"_s);
     EXPECT_EQ(pay(dates(u"1403/09/30"_s, QString(), u"1403/10/01"_s)), u"000"_s);
-
     // Warning, then clear and focus the first instalment, clear the end, and the derived end.
     const auto begin = [](const DateFields& f) {
         const BeginDateChange r = BeginDateChanged(f);
@@ -277,8 +243,6 @@ TEST(DateOrder, PayDateClearsLaterDatesSilentlyFirstInstalmentWarnsSettlementIsD
               u"اشکال: تاريخ شروع قسط نبايد بعد از تاريخ پرداخت باشد.|001|-"_s);
     EXPECT_EQ(begin(dates(u"1403/05/10"_s, u"1403/05/10"_s, u"1403/07/01"_s, u"3"_s)),
               u"-|000| 1403/ 7/ 30"_s);
-    EXPECT_EQ(begin(dates(u"1403/05/10"_s, QString(), QString(), u"3"_s)), u"-|000|-"_s);
-
     const auto end = [](const DateFields& f) {  // cleared, or the derived end
         const EndDateChange r = EndDateChanged(f);
         return flags({r.clearEndDate}) + u'|' + r.endDate.value_or(u"-"_s);
@@ -286,7 +250,6 @@ TEST(DateOrder, PayDateClearsLaterDatesSilentlyFirstInstalmentWarnsSettlementIsD
     EXPECT_EQ(end(dates(u"1403/05/10"_s, u"1403/06/10"_s, u"1403/06/10"_s)), u"1|-"_s);
     EXPECT_EQ(end(dates(u"1403/05/10"_s, u"1403/06/10"_s, u"1404/01/01"_s, u"2.5"_s)),
               u"0| 1403/ 7/ 30"_s);
-
     // Leaving a date box recomputes only when its date changed since it got the focus.
     const QDate at(2024, 8, 1);
     const DateFields big = dates(QString(), u"1403/01/10"_s, QString(), u"40000"_s);
@@ -300,6 +263,4 @@ TEST(DateOrder, PayDateClearsLaterDatesSilentlyFirstInstalmentWarnsSettlementIsD
     const EndDateLeave left = EndDateLeft(at.addDays(3), at, f);
     EXPECT_EQ(flags({left.runPayBackNumberLeft}) + left.endDate.value_or(u"-"_s),
               u"1 1403/ 9/ 30"_s);
-    f.perMonthText = u"0"_s;
-    EXPECT_FALSE(EndDateLeft(at.addDays(3), at, f).runPayBackNumberLeft);
 }

@@ -49,18 +49,6 @@ QList<QStringList> SearchTest::gridRows() {
     return rows;
 }
 
-QStringList SearchTest::rows() {
-    QStringList rows;
-    for (const QStringList& cells : gridRows()) rows << cells.join(u'|');
-    return rows;
-}
-
-QStringList SearchTest::column(int col) {
-    QStringList cells;
-    for (const QStringList& row : gridRows()) cells << row[col];
-    return cells;
-}
-
 QStringList SearchTest::Shown() {
     QStringList out;
     for (const ShownMessage& m : t.messages->shown) out << m.title + u": "_s + m.text;

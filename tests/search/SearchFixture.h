@@ -43,11 +43,19 @@ protected:
     void SetUp() override;
     FormSearch& form() { return t.module.Window<FormSearch>(); }
     FakeEditor& editor() { return t.module.Window<FakeEditor>(); }
-    // The data rows of the result grid, each row's cells in column order, or joined by '|'.
+    // The data rows of the result grid (each row's cells in column order, or joined by '|'),
+    // and a column of them.
     QList<QStringList> gridRows();
-    QStringList rows();
-    // The column of every data row.
-    QStringList column(int col);
+    QStringList rows() {
+        QStringList rows;
+        for (const QStringList& cells : gridRows()) rows << cells.join(u'|');
+        return rows;
+    }
+    QStringList column(int col) {
+        QStringList cells;
+        for (const QStringList& row : gridRows()) cells << row[col];
+        return cells;
+    }
     // The messages shown since the last call, each as "title: text".
     QStringList Shown();
     TestModule t;

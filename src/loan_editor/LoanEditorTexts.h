@@ -77,6 +77,8 @@ inline const QString FrameMembers = u"کارمندان و ضامنين وام"_s
 inline const QString NoMemberError = u"هيچ کارمندي مشخص نشده است."_s;
 // A count of instalments that is not a whole number is never written (%1: the count typed).
 inline const QString CountNotWholeError = u"تعداد اقساط «%1» عدد صحيح نيست؛ وام ثبت نشد."_s;
+// Saving a loan that another clerk deleted after this window loaded it.
+inline const QString LoanGoneError = u"اين وام را کاربر ديگري حذف کرده است؛ وام ثبت نشد."_s;
 // The overlap question: this, the number of members, then OverlapQuestionEnd.
 inline const QString OverlapQuestionStart = u"تعداد «"_s;
 inline const QString OverlapQuestionEnd =

@@ -73,6 +73,10 @@ QString InsertHeader(const data::SqlDialect& dialect, const LoanRecord& loan) {
 
 QString MaxId() { return u"Select MAX(ID) as MAXID from tblHRLoan"_s; }
 
+QString LoanExists(qint32 loanId) {
+    return u"Select ID from tblHRLoan Where ID="_s + number(loanId);
+}
+
 QStringList Writes(const data::SqlDialect& dialect, const LoanRecord& loan, qint32 loanId) {
     const QString code =
         loan.isFinal
@@ -133,6 +137,14 @@ qint32 WriteLoan(Connection& cnt, const LoanRecord& loan, std::optional<qint32> 
         rs.Open(MaxId());
         if (rs.RecordCount() > 0 && !rs.IsNull(u"MAXID"_s))
             id = vb::CLng(rs.Fields(u"MAXID"_s).toDouble());
+        rs.Close();
+    } else {
+        // A loan another clerk deleted since it was loaded is not written again: its member
+        // rows would belong to no loan.
+        Recordset rs(cnt);
+        rs.Open(LoanExists(id));
+        if (rs.RecordCount() == 0)
+            throw KavError(KavError::Kind::Database, editor_texts::LoanGoneError);
         rs.Close();
     }
     for (const QString& sql : Writes(dialect, loan, id)) cnt.Execute(sql);

@@ -56,6 +56,8 @@ QString OverlapQuery(const data::SqlDialect& dialect, const LoanRecord& loan,
 // New mode: the header row, then the read of its ID.
 QString InsertHeader(const data::SqlDialect& dialect, const LoanRecord& loan);
 QString MaxId();
+// Edit mode: the header row, read inside the save's transaction before anything is written.
+QString LoanExists(qint32 loanId);
 // Every mode, in order: the header update (a final save takes one more than the greatest
 // code of any loan, a temporary save clears the code), the members' delete and one insert
 // per member. Raises KavError (TypeMismatch) for a count CountSql refuses.
@@ -74,7 +76,8 @@ QString LockName();
 void RunWrites(Connection& cnt, const QStringList& statements);
 
 // Writes a loan as one serialised transaction and returns its ID. Without `loanId` (new
-// mode) the header is inserted and its ID read back inside the same transaction.
+// mode) the header is inserted and its ID read back inside the same transaction. With it, a
+// loan that is no longer there is refused (KavError, Database) and nothing is written.
 qint32 WriteLoan(Connection& cnt, const LoanRecord& loan, std::optional<qint32> loanId);
 
 }  // namespace kav::loan_save

@@ -306,6 +306,20 @@ TEST_F(SaveTest, AFailureHalfWayWritesNothingAndSavingAgainIsSafe) {
     EXPECT_EQ(Scalar(u"select EmployeeID from tblHRLoanDetail where LoanID=6"_s).toInt(), 2);
 }
 
+// Another clerk deleted the loan while this window edited it: the save is refused and writes
+// no member rows for a loan that is not there.
+TEST_F(SaveTest, SavingALoanDeletedMeanwhileIsRefusedAndWritesNothing) {
+    auto& w = editor();
+    Edit(TemporaryLoan);
+    t.db.exec(
+        {u"delete from tblHRLoanDetail where LoanID=1"_s, u"delete from tblHRLoan where ID=1"_s});
+    const QString before = Snapshot();
+    w.cmdFinSave->click();
+    EXPECT_EQ(Shown(), QStringList{u"خطا: اين وام را کاربر ديگري حذف کرده است؛ وام ثبت نشد."_s});
+    EXPECT_EQ(Snapshot(), before);
+    EXPECT_EQ(mode(), ModeEdit);
+}
+
 TEST(LoanSaveConcurrency, TwoClientsSavingAtOnceGetDistinctGapFreeCodesAndTheirOwnMembers) {
     TestDatabase db;
     db.exec(

@@ -1,6 +1,6 @@
 // The clerk's path on the demo database, with the real windows: from the loan editor he opens
-// a member's balance, records an adjustment and sees the schedule change; the editor gets its
-// own mode back.
+// a member's balance, records an adjustment, finds it in the list, opens it again and sees the
+// schedule change; the editor gets its own mode back.
 
 #include <gtest/gtest.h>
 
@@ -10,6 +10,7 @@
 
 #include "adjustments/AdjustmentOpener.h"
 #include "adjustments/FormHRException.h"
+#include "adjustments/FormList.h"
 #include "controls/FlexGrid.h"
 #include "controls/VarekDate.h"
 #include "controls/VarekSelector.h"
@@ -34,12 +35,21 @@ TEST(BalancePath, FromTheEditorToARecordedAdjustmentAndBack) {
         [](Module& m) -> LoanEditorPort& { return m.Window<FormHRLoan>(); });
     module.ProvidePort<AdjustmentPort>(
         [](Module& m) -> AdjustmentPort& { return m.Window<AdjustmentOpener>(); });
-    int shown = 0, rowsBefore = 0, rowsAfter = 0;  // the schedule's length
+    QStringList seen;
+    int rowsBefore = 0, rowsAfter = 0;  // the schedule's length
     QString newId;
     module.SetModalRunner([&](QDialog& d) {
-        ++shown;
+        if (auto* list = qobject_cast<FormList*>(&d)) {
+            seen << u"list"_s;
+            list->cmdSearch->click();
+            for (int r = 1; r < list->FlexEmployee->Rows(); ++r)
+                if (list->FlexEmployee->TextMatrix(r, 5) == newId) list->FlexEmployee->setRow(r);
+            emit list->FlexEmployee->DblClick();
+            return 1;
+        }
         auto* w = qobject_cast<FormHRException*>(&d);
         if (!w) return 0;
+        seen << u"adjustment"_s;
         rowsBefore = w->FlexBalance->Rows();
         w->cmdNew->click();
         w->gdcBalancePF->setFarsidate(u"1404/01/01"_s);
@@ -47,6 +57,10 @@ TEST(BalancePath, FromTheEditorToARecordedAdjustmentAndBack) {
         w->TxtPerMonth->setText(u"30000000"_s);
         w->cmdSave->click();
         newId = w->txtID->text();
+        w->gdcBalancePT->Clear();  // the list, not the screen, brings the record back
+        w->cmdList->click();
+        EXPECT_EQ(w->txtID->text(), newId);
+        EXPECT_EQ(w->gdcBalancePT->farsidate(), u"1404/03/31"_s);
         EXPECT_EQ(module.session.LoanFormMode, 0);
         rowsAfter = w->FlexBalance->Rows();
         w->cmdExit->click();
@@ -56,7 +70,7 @@ TEST(BalancePath, FromTheEditorToARecordedAdjustmentAndBack) {
     ASSERT_TRUE(editor.ViewPRSLoansInfo(2));  // the housing loan of employee 10
     ASSERT_EQ(editor.FlexEmployee->TextMatrix(editor.FlexEmployee->Row(), 1), u"10"_s);
     editor.cmdBalance->click();
-    EXPECT_EQ(shown, 1);
+    EXPECT_EQ(seen, (QStringList{u"adjustment"_s, u"list"_s}));
     EXPECT_TRUE(messages->shown.isEmpty()) << messages->texts().join(u'\n').toStdString();
     EXPECT_FALSE(newId.isEmpty());
     EXPECT_LT(rowsAfter, rowsBefore);  // three months at 30,000,000, not 22,220,000: sooner

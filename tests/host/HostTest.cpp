@@ -201,3 +201,20 @@ TEST_F(HostTest, SearchOpensAFoundLoanInTheEditor) {
     EXPECT_TRUE(t.module.HasWindow<FormSearch>());  // hidden, kept for the next search
     EXPECT_TRUE(t.messages->shown.isEmpty());
 }
+
+// The developer's connection names no account and no password, and when it does not open
+// the bench puts the properties back, so it is never stored.
+TEST_F(HostTest, TheBenchKeepsNoConnectionThatFailedToOpen) {
+    for (const QString& empty : {u"Integrated Security=SSPI;"_s, u"Password=;"_s, u"User ID=;"_s})
+        EXPECT_TRUE(kavHRLoan1::DeveloperConnectionString().contains(empty));
+    // The developer's server is this machine (the loopback address), where none answers.
+    host->setPositionID(4);
+    host->setEmployeeID(6);
+    host->Command2->click();
+    EXPECT_EQ(shown, 0);
+    ASSERT_EQ(t.messages->shown.size(), 1);
+    EXPECT_EQ(t.messages->last().title, u"خطا"_s);
+    EXPECT_EQ(host->OLEConnectionstring(), t.db.connectionString());
+    EXPECT_EQ(QList<int>({host->UserID(), host->PositionID(), host->EmployeeID()}),
+              QList<int>({1, 4, 6}));
+}

@@ -1,6 +1,9 @@
 // The loan's members: the picker, adding members with guarantors, the employees with an
 // ordinance in the period, and removing a saved member.
 
+#include <QHeaderView>
+#include <QTableView>
+
 #include "EditorFixture.h"
 
 using namespace Qt::StringLiterals;
@@ -147,4 +150,31 @@ TEST_F(MembersTest, OrdinanceEmployeesOfThePeriodWhoAreNotYetMembers) {
     w.cmdAddOrdinanceEmployees->click();
     EXPECT_EQ(MemberColumn(1).mid(0, 2).join(u' '), u"1 4"_s);
     EXPECT_EQ(sorted(MemberColumn(1).mid(2)).join(u' '), u"2 3 7"_s);
+}
+
+// A header click sorts by its column, alternating directions (codes as numbers, "/" and all),
+// and the rows are numbered again.
+TEST_F(MembersTest, HeaderClicksSortAlternatelyAndRenumber) {
+    t.db.exec(u"insert into tblHRLoanDetail (LoanID, EmployeeID) values (4, 7), (4, 6), (4, 2)"_s);
+    auto& w = editor();
+    w.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w));
+    w.ViewPRSLoansInfo(SeparateLoan);
+    QHeaderView* header = w.FlexEmployee->view()->horizontalHeader();
+    auto clickHeader = [&](int col) {
+        const int x = header->sectionViewportPosition(col) + header->sectionSize(col) / 2;
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, QPoint(x, header->height() / 2));
+        QTest::qWait(QApplication::doubleClickInterval() + 50);  // two clicks, not a double-click
+    };
+    clickHeader(2);  // codes, numerically, five digits grouped on the way back
+    EXPECT_EQ(MemberColumn(2).join(u' '), u"203 1002 12/345"_s);
+    EXPECT_EQ(MemberColumn(1).join(u' '), u"7 2 6"_s);
+    clickHeader(2);  // descending: the grouped code reads as 12345, not 12
+    EXPECT_EQ(MemberColumn(2).join(u' '), u"12/345 1002 203"_s);
+    EXPECT_EQ(MemberColumn(0).join(u' '), u"1 2 3"_s);
+    clickHeader(3);  // names: ascending first, whatever column 2 did
+    EXPECT_EQ(MemberColumn(1).join(u' '), u"7 6 2"_s);
+    clickHeader(3);
+    EXPECT_EQ(MemberColumn(1).join(u' '), u"2 6 7"_s);
+    EXPECT_EQ(MemberColumn(0).join(u' '), u"1 2 3"_s);
 }

@@ -92,8 +92,8 @@ struct Command {
     const char* name;
     bool adjustments;
     std::function<void(Bench&)> prepare, click;
-    // Refused half-way as well, by a trigger on the loan (the saves' and the adjustments'
-    // half-way failures are tested beside their windows).
+    // Refused half-way as well, by a trigger on the loan (the saves' half-way failures are
+    // tested beside the editor; each adjustment command is a single write).
     bool halfWay = false;
     // Refused by a full database too: the loan's saves, given notes longer than a page.
     bool needsSpace = false;

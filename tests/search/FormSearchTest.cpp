@@ -17,6 +17,7 @@
 
 #include "SearchFixture.h"
 #include "controls/FlexGrid.h"
+#include "controls/VarekDate.h"
 #include "search/SearchSql.h"
 #include "support/Raises.h"
 #include "support/TsqlCheck.h"
@@ -120,8 +121,61 @@ TEST_F(SearchTest, SortsTextAndNumberColumnsBothWaysAlsoByAHeaderClick) {
     EXPECT_EQ(column(10).first(), u"50/000/000"_s);  // other columns keep their "/"
     f.DoSort(9);                                     // the instalment, a number too
     EXPECT_EQ(column(9).join(u' '), u" 250 1041666 1041666 5000000"_s);
+    // The type's name sorts as a number: every name reads as 0, so the order stays.
+    const QStringList before = column(0);
+    f.DoSort(4);
+    EXPECT_EQ(column(0), before);
     for (const int beyond : {-1, 31, 20})  // beyond the sort slots, or the grid
         EXPECT_EQ(RaisedKind([&] { f.DoSort(beyond); }), KavError::Kind::Usage);
+}
+
+// Each from-date that is equal to or later than its to-date clears the to-date, whichever of
+// the two changed.
+TEST_F(SearchTest, EqualOrLaterFromDateClearsTheToDateOfEachPair) {
+    FormSearch& f = form();
+    for (const auto& [from, to] :
+         {std::pair{f.datPaymentDatef, f.datPaymentDateTo},
+          std::pair{f.datBeginDatef, f.datBeginDateTo}, std::pair{f.datEndDatef, f.datEndDateTo}}) {
+        SCOPED_TRACE(from->objectName().toStdString());
+        from->setFarsidate(u"1402/05/01"_s);
+        to->setFarsidate(u"1402/05/02"_s);
+        emit to->DateChanged();
+        EXPECT_EQ(to->farsidate(), u"1402/05/02"_s);
+        from->setFarsidate(u"1402/05/02"_s);  // equal: cleared too
+        emit from->DateChanged();
+        EXPECT_TRUE(to->IsEmpty());
+        to->setFarsidate(u"1402/04/30"_s);
+        emit to->DateChanged();
+        EXPECT_TRUE(to->IsEmpty());
+        EXPECT_EQ(from->farsidate(), u"1402/05/02"_s);
+    }
+}
+
+// The amount boxes take digits (Persian ones too), the point and backspace; Delete empties the
+// type; Enter searches; Escape exits only while the exit button is enabled.
+TEST_F(SearchTest, KeysOfTheCriteria) {
+    FormSearch& f = form();
+    f.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&f));
+    f.txtLoanValueF->setFocus();
+    for (const QString& key : {u"1"_s, u"a"_s, u"۲"_s, u"-"_s, u"."_s, u"5"_s, u"/"_s})
+        QTest::sendKeyEvent(QTest::Click, f.txtLoanValueF, Qt::Key_unknown, key, Qt::NoModifier);
+    QTest::keyClick(f.txtLoanValueF, Qt::Key_Backspace);
+    EXPECT_EQ(f.txtLoanValueF->text(), u"1۲."_s);
+    f.cmbLoanType->setCurrentIndex(1);
+    f.cmbLoanType->setFocus();
+    QTest::keyClick(f.cmbLoanType, Qt::Key_Delete);
+    EXPECT_EQ(f.cmbLoanType->currentIndex(), -1);
+    f.txtLoanValueF->clear();
+    f.txtNotes->setFocus();
+    QTest::keyClick(f.txtNotes, Qt::Key_Return);
+    EXPECT_EQ(gridRows().size(), 5);
+    f.cmdExit->setEnabled(false);
+    QTest::keyClick(f.txtNotes, Qt::Key_Escape);
+    EXPECT_TRUE(f.isVisible());
+    f.cmdExit->setEnabled(true);
+    QTest::keyClick(f.txtNotes, Qt::Key_Escape);
+    EXPECT_TRUE(f.IsUnloaded());
 }
 
 TEST_F(SearchTest, OpensTheChosenLoanInTheEditor) {

@@ -196,6 +196,20 @@ TEST_F(EditorTest, CancelReloadsOnlyOnYesAndTheTimerAndMenusKeepTheCommandsInSte
     w.cmdNew->setEnabled(true);
     w.mnuNew->trigger();
     EXPECT_EQ(mode(), ModeNew);
+    // Cancelling a new loan shows again the loan shown before New, or, when there was none,
+    // empties the window.
+    for (const bool loanBefore : {true, false}) {
+        if (!loanBefore) {
+            w.mnuNew->trigger();
+            w.txtID->clear();
+        }
+        w.txtLoanValue->setText(u"777"_s);
+        t.messages->answers = {1};
+        w.cmdCancel_Click();
+        EXPECT_EQ(mode(), loanBefore ? ModeView : ModeEmpty);
+        EXPECT_EQ(w.txtID->text() + w.txtLoanValue->Text(),
+                  loanBefore ? u"11/000/000"_s : QString());
+    }
 }
 
 TEST_F(EditorTest, UnloadAsksByModeAndOnlyNoKeepsTheWindow) {

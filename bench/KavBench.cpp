@@ -29,6 +29,7 @@
 #include "loan_editor/LoanEditorSql.h"
 #include "loan_editor/LoanSave.h"
 #include "search/FormSearch.h"
+#include "search/SearchGrid.h"
 #include "search/SearchSql.h"
 #include "session/DataEnvironment.h"
 #include "session/Module.h"
@@ -39,22 +40,6 @@ using namespace kav::bench;
 namespace {
 
 const kav::data::SqlDialect kSqlite(kav::data::DatabaseKind::SQLite);
-
-// The columns the search's result grid shows.
-const QStringList kSearchColumns = {u"EmployeeCode"_s,
-                                    u"FirstName"_s,
-                                    u"SureName"_s,
-                                    u"LoanTypeDesc"_s,
-                                    u"FarsiPaymentDate"_s,
-                                    u"LoanValue"_s,
-                                    u"FarsiBeginDate"_s,
-                                    u"FarsiEndDate"_s,
-                                    u"MonthlyValue"_s,
-                                    u"LoanCode"_s,
-                                    u"SupporterEmployeeName1"_s,
-                                    u"SupporterEmployeeName2"_s,
-                                    u"SupporterEmployeeName3"_s,
-                                    u"ID"_s};
 
 // The columns the adjustment list's grid shows.
 const QStringList kAdjustmentColumns = {u"EmployeeName"_s, u"FarsiBeginDate"_s,
@@ -180,7 +165,7 @@ void search(Context& ctx) {
     settle();
     // The text the window runs: both statuses ticked, nothing else.
     const QString text = kav::search::SearchQuery(cnt.Dialect(), form.Criteria());
-    const qint64 rows = raw.stepAll(text, kSearchColumns);
+    const qint64 rows = raw.stepAll(text, kav::search::ResultFields());
 
     // What the filled grid holds: the growth of the resident memory from the window with an
     // empty grid to the window showing every row. A first search fills the caches of the
@@ -207,7 +192,7 @@ void search(Context& ctx) {
     volatile qsizetype sink = 0;
     const std::vector<double> t =
         Rotate(ctx.reps, {
-                             [&] { raw.stepAll(text, kSearchColumns); },
+                             [&] { raw.stepAll(text, kav::search::ResultFields()); },
                              [&] {
                                  form.RefreshFlexSearchResult();
                                  settle();
@@ -216,7 +201,7 @@ void search(Context& ctx) {
                              [&] {
                                  kav::RowReader reader(cnt, text);
                                  std::vector<int> index;
-                                 for (const QString& c : kSearchColumns)
+                                 for (const QString& c : kav::search::ResultFields())
                                      index.push_back(reader.FieldIndex(c));
                                  while (reader.Next())
                                      for (int i : index) sink = sink + reader.Text(i).size();
@@ -228,7 +213,7 @@ void search(Context& ctx) {
                                  q.setForwardOnly(true);
                                  q.exec(text);
                                  std::vector<int> index;
-                                 for (const QString& c : kSearchColumns)
+                                 for (const QString& c : kav::search::ResultFields())
                                      index.push_back(q.record().indexOf(c));
                                  while (q.next())
                                      for (int i : index) sink = sink + q.value(i).toString().size();
@@ -239,7 +224,7 @@ void search(Context& ctx) {
                                  kav::Recordset rs(cnt);
                                  rs.Open(text);
                                  std::vector<int> index;
-                                 for (const QString& c : kSearchColumns)
+                                 for (const QString& c : kav::search::ResultFields())
                                      index.push_back(rs.FieldIndex(c));
                                  for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext())
                                      for (int i : index)

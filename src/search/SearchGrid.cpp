@@ -42,21 +42,6 @@ enum Source : int {
     SId,
     SourceCount
 };
-const std::array<QString, SourceCount> kSourceNames = {u"EmployeeCode"_s,
-                                                       u"FirstName"_s,
-                                                       u"SureName"_s,
-                                                       u"LoanTypeDesc"_s,
-                                                       u"FarsiPaymentDate"_s,
-                                                       u"LoanValue"_s,
-                                                       u"FarsiBeginDate"_s,
-                                                       u"FarsiEndDate"_s,
-                                                       u"MonthlyValue"_s,
-                                                       u"LoanCode"_s,
-                                                       u"SupporterEmployeeName1"_s,
-                                                       u"SupporterEmployeeName2"_s,
-                                                       u"SupporterEmployeeName3"_s,
-                                                       u"ID"_s};
-
 // Amounts grouped by threes, by their plain text. An amount met before (a loan's amount for
 // each of its members, the usual round amounts) is grouped once: a small table indexed by a
 // hash of the text remembers the recent ones.
@@ -84,6 +69,25 @@ private:
 };
 
 }  // namespace
+
+const QStringList& ResultFields() {
+    // In the order of the Source enumeration above.
+    static const QStringList fields = {u"EmployeeCode"_s,
+                                       u"FirstName"_s,
+                                       u"SureName"_s,
+                                       u"LoanTypeDesc"_s,
+                                       u"FarsiPaymentDate"_s,
+                                       u"LoanValue"_s,
+                                       u"FarsiBeginDate"_s,
+                                       u"FarsiEndDate"_s,
+                                       u"MonthlyValue"_s,
+                                       u"LoanCode"_s,
+                                       u"SupporterEmployeeName1"_s,
+                                       u"SupporterEmployeeName2"_s,
+                                       u"SupporterEmployeeName3"_s,
+                                       u"ID"_s};
+    return fields;
+}
 
 void InitializeGrid(FlexGrid& grid) {
     grid.setRows(1);
@@ -146,7 +150,7 @@ int FillSearchGrid(Connection& cnt, const QString& sql, FlexGrid& grid) {
         grid.setRows(1);
         RowReader rows(cnt, sql);
         std::array<int, SourceCount> at{};
-        for (int s = 0; s < SourceCount; ++s) at[s] = rows.FieldIndex(kSourceNames[s]);
+        for (int s = 0; s < SourceCount; ++s) at[s] = rows.FieldIndex(ResultFields()[s]);
         const QByteArray temporary = T::StatusTemporary.toUtf8();
         const QByteArray final = T::StatusFinal.toUtf8();
         GroupedAmounts loanValues, monthlyValues;

@@ -35,6 +35,9 @@ enum GridColumn : int {
     GridColumns = 17,
 };
 
+// The fields of a result row the grid reads, each once.
+const QStringList& ResultFields();
+
 // The grid with its header row only: 17 columns, header texts and widths.
 void InitializeGrid(controls::FlexGrid& grid);
 

@@ -1,7 +1,6 @@
 #pragma once
 
-// The adjustment window on a fresh database: two loans, their members, a few adjustments and
-// payslip rows, a stand-in for the loan editor, and the controls the tests reach.
+// The adjustment window on a fresh database, with a stand-in for the loan editor.
 
 #include <gtest/gtest.h>
 
@@ -48,8 +47,7 @@ protected:
     FormHRException& window() { return t.module.Window<FormHRException>(); }
     Session& session() { return t.module.session; }
     qint32 mode() { return session().LoanFormMode; }
-    // The window's mode and how many adjustments are stored: "mode 2, 3 stored".
-    QString status() {
+    QString status() {  // "mode 2, 3 stored"
         return QStringLiteral("mode %1, %2 stored").arg(mode()).arg(adjustmentCount());
     }
     bool quiet() const { return t.messages->shown.isEmpty(); }  // no message shown
@@ -65,7 +63,7 @@ protected:
         session().LoanFormMode = mode;
         window().DisableLockComponent();
     }
-    // The last message shown had this title and text; the record of messages is emptied.
+    // The last message shown; the record of messages is emptied.
     void expectLast(const QString& title, const QString& text);
     TestModule t;
     FakeEditor editor;

@@ -1,7 +1,6 @@
 #pragma once
 
-// A loan window on a fresh database with a few loans of every kind, and the controls the
-// tests reach.
+// A loan window on a fresh database with a few loans of every kind.
 
 #include <gtest/gtest.h>
 

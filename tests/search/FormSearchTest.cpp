@@ -1,5 +1,4 @@
-// The search text as SQL Server receives it; the search window: what it shows, how it fills
-// and sorts its grid, how it opens a loan in the editor, and its export.
+// The search text as SQL Server receives it; the search window's grid, opening and export.
 
 #include <gtest/gtest.h>
 
@@ -79,16 +78,7 @@ TEST_F(SearchTest, FillsOneRowPerMemberAndSaysWhenNothingIsFoundOrWhatWentWrong)
         EXPECT_EQ(f.Flexsearchresult->Row(), 1);
         EXPECT_EQ(f.Flexsearchresult->view()->hasFocus(), started != 2) << started;
     }
-    f.chkTempSave->setChecked(true);
-    f.cmdSearch->click();
-    f.TxtPerMonthTo->setText(u"۱۲x"_s);  // runs nothing: the last result stays
-    f.cmdSearch->click();
-    const QStringList bad = Shown();
-    EXPECT_TRUE(bad.size() == 1 && bad[0].startsWith(u"خطا: "_s) &&
-                bad[0].contains(u"مبلغ ماهيانه تا"_s));
-    EXPECT_EQ(rows(), kAllRows);
-    f.TxtPerMonthTo->clear();
-    f.chkTempSave->setChecked(false);
+    // (An amount that is no number runs nothing: the hostile search tests.)
     f.chkFinalSave->setChecked(false);
     f.cmdSearch->click();
     EXPECT_EQ(Shown(), QStringList{u"اطلاع: رکوردي يافت نشد."_s});
@@ -196,28 +186,25 @@ TEST_F(SearchTest, OpensTheChosenLoanInTheEditor) {
     const QRect cell = g.view()->visualRect(g.view()->model()->index(2, 2));
     QTest::mouseDClick(g.view()->viewport(), Qt::LeftButton, {}, cell.center());
     EXPECT_EQ(editor().opened, QList<qint32>{2});
-    EXPECT_EQ(editor().idText, u"2"_s);
-    EXPECT_FALSE(f.isVisible());  // hidden, not unloaded
-    EXPECT_FALSE(f.IsUnloaded());
-    // Enter in the grid opens too, and a loan id above 32767 opens like any other.
-    f.show();
+    // Hidden, not unloaded.
+    EXPECT_EQ(editor().idText + QString::number(f.isVisible() + f.IsUnloaded()), u"20"_s);
+    f.show();  // Enter opens too, never searches again, and an id above 32767 is like any other
     ASSERT_TRUE(QTest::qWaitForWindowActive(&f));
     g.setRow(5);
     g.SetFocus();
     QTest::keyClick(g.view(), Qt::Key_Return);
     EXPECT_EQ(editor().opened, (QList<qint32>{2, 40000}));
     EXPECT_EQ(editor().idText, u"40000"_s);
-    EXPECT_EQ(rows().size(), 5);  // Enter in the grid never searches again
-    // An id that is no loan id gives a message and opens nothing.
-    for (const QString& bad : {u"x12"_s, u"4294967296"_s}) {
+    EXPECT_EQ(rows().size(), 5);
+    for (const QString& bad : {u"x12"_s, u"4294967296"_s}) {  // no loan id: nothing opens
         f.show();
         g.setTextMatrix(1, 16, bad);
         g.setRow(1);
         int enter = 13;
         emit g.KeyPress(enter);
-        const QStringList shown = Shown();
-        EXPECT_TRUE(shown.size() == 1 && shown[0].startsWith(u"خطا: "_s) && shown[0].contains(bad));
-        EXPECT_TRUE(f.isVisible());
+        const QString shown = Shown().join(u'\n');
+        EXPECT_TRUE(shown.startsWith(u"خطا: "_s) && shown.contains(bad) && f.isVisible())
+            << bad.toStdString();
     }
     EXPECT_EQ(editor().opened.size(), 2);
 }
@@ -284,7 +271,6 @@ TEST(SearchQuery, EveryCriterionAddsItsFragmentInItsOrder) {
     }
     // An amount that is no number stops with a message naming its box.
     const std::pair<SearchCriteria, QString> bad[] = {
-        {{.loanValueFrom = u"12a"_s}, u"مبلغ «12a» در «مبلغ از» عدد نيست."_s},
         {{.loanValueTo = u" "_s}, u"مبلغ « » در «مبلغ تا» عدد نيست."_s},
         {{.perMonthFrom = u"."_s}, u"مبلغ «.» در «مبلغ ماهيانه از» عدد نيست."_s},
         {{.perMonthTo = u"99999999999999999999"_s},

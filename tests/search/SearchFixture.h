@@ -1,7 +1,6 @@
 #pragma once
 
-// A search window on a fresh database with a few loans, and a loan editor that records what
-// the search asks of it.
+// A search window on a fresh database, and a loan editor that records what it is asked.
 
 #include <gtest/gtest.h>
 
@@ -43,8 +42,7 @@ protected:
     void SetUp() override;
     FormSearch& form() { return t.module.Window<FormSearch>(); }
     FakeEditor& editor() { return t.module.Window<FakeEditor>(); }
-    // The data rows of the result grid (each row's cells in column order, or joined by '|'),
-    // and a column of them.
+    // The result grid's data rows (cells, or joined by '|') and a column of them.
     QList<QStringList> gridRows();
     QStringList rows() {
         QStringList rows;

@@ -18,19 +18,13 @@ using namespace kav::controls;
 using DateWindow = kav::test::Shown<VarekDate>;
 
 // Each field is read as a number. A typed date is taken exactly or not at all; a stored one
-// past its month's end reads as the month's last day.
+// past its month's end reads as the month's last day. (Every day's text, loose or padded,
+// and the day after each month's last: the property tests.)
 TEST(FarsiDateText, ReadsTypedAndStoredDates) {
     struct Case {
         QString text, typed, stored;
     };
-    for (const Case& c : {Case{u"1403/6/1"_s, u"1403/06/01"_s, u"1403/06/01"_s},
-                          Case{u"1403/010/01"_s, u"1403/10/01"_s, u"1403/10/01"_s},
-                          Case{u" 1404/ 1/ 31"_s, u"1404/01/31"_s, u"1404/01/31"_s},
-                          Case{u"۱۴۰۳/۰۲/۱۵"_s, u"1403/02/15"_s, u"1403/02/15"_s},
-                          Case{u"1403/06/31"_s, u"1403/06/31"_s, u"1403/06/31"_s},
-                          Case{u" 1408/ 12/ 30"_s, u"1408/12/30"_s, u"1408/12/30"_s},
-                          Case{u"1404/12/30"_s, QString(), u"1404/12/29"_s},
-                          Case{u"1403/07/31"_s, QString(), u"1403/07/30"_s},
+    for (const Case& c : {Case{u"1403/010/01"_s, u"1403/10/01"_s, u"1403/10/01"_s},
                           Case{u"1403/01/99"_s, QString(), u"1403/01/31"_s},
                           Case{u"1403/13/01"_s, QString(), QString()},
                           Case{u"1403/00/10"_s, QString(), QString()}}) {
@@ -40,13 +34,7 @@ TEST(FarsiDateText, ReadsTypedAndStoredDates) {
     for (const QString& text : {u""_s, u"1403/01/00"_s, u"1403/01"_s, u"1403-01-01"_s,
                                 u"abcd/01/01"_s, u"1403/1 2/01"_s, u"1403/01/01/01"_s})
         EXPECT_FALSE(ParseFarsiDate(text).isValid()) << qPrintable(text);
-}
-
-TEST(FarsiDateText, AgreesWithTheGregorianCalendar) {
-    EXPECT_EQ(ParseFarsiDate(u"1403/01/01"_s), QDate(2024, 3, 20));
-    EXPECT_EQ(ParseFarsiDate(u"1404/01/01"_s), QDate(2025, 3, 21));
     EXPECT_EQ(ParseFarsiDate(u"1403/12/30"_s), QDate(2025, 3, 20));  // 1403 is a leap year
-    EXPECT_EQ(FarsiDateText(QDate(2024, 3, 19)), u"1402/12/29"_s);
     EXPECT_EQ(FarsiDateText(QDate(2024, 9, 22)), u"1403/07/01"_s);
 }
 
@@ -107,8 +95,6 @@ TEST(VarekDate, TakesATypedDateOnlyWhenTheDayExists) {
         bool enter;  // else the clerk leaves the box
     };
     for (const Refused& r : {Refused{u"1404/12/30"_s, u"1404/12/30"_s, false},
-                             Refused{u"1403/13/01"_s, u"1403/13/01"_s, true},
-                             Refused{u"1403/07/31"_s, u"1403/07/31"_s, false},
                              Refused{u"\u06F1\u06F4\u06F0\u06F3/\u06F0\u06F0/\u06F0\u06F5"_s,
                                      u"1403/00/05"_s, true}}) {
         date->SetFocus();

@@ -3,7 +3,6 @@
 #include <QCalendar>
 #include <QFile>
 #include <QRegularExpression>
-#include <functional>
 
 #include "base/Errors.h"
 #include "data/DemoData.h"
@@ -108,36 +107,34 @@ TEST_F(DemoDatabase, BreaksNoRuleTheWindowsRelyOn) {
 // Each loan's instalments add up, each Gregorian date is its Persian text's day, the
 // instalments span as many months as there are, and final loans are numbered 1, 2, 3...
 TEST_F(DemoDatabase, LoansAreCoherent) {
-    const auto loans = s.rows(u"select * from tblHRLoan order by ID"_s);
-    ASSERT_GE(loans.size(), 8);
     const QCalendar jalali(QCalendar::System::Jalali);
-    QList<int> codes;
+    const auto month = [](const QString& f) {
+        return f.left(4).toInt() * 12 + f.mid(5, 2).toInt();
+    };
+    const auto loans = s.rows(u"select * from tblHRLoan order by Code"_s);  // Nulls first
+    ASSERT_GE(loans.size(), 8);
+    QList<int> codes, expected;
     for (const auto& l : loans) {
         SCOPED_TRACE(l[u"id"_s].toInt());
         const qint64 value = l[u"loanvalue"_s].toLongLong();
         const qint64 monthly = l[u"monthlyvalue"_s].toLongLong();
         const int n = l[u"paybacknumber"_s].toInt();
-        ASSERT_GT(n, 0);
-        EXPECT_GE(value - monthly * n, 0);
-        EXPECT_LT(value - monthly * n, monthly);
+        EXPECT_TRUE(n > 0 && value - monthly * n >= 0 && value - monthly * n < monthly);
         for (const QString& c : {u"payment"_s, u"begin"_s, u"end"_s}) {
-            const QString farsi = l[u"farsi"_s + c + u"date"_s].toString();
-            ASSERT_EQ(farsi.size(), 10) << farsi.toStdString();
-            const QDate g = QDate(farsi.left(4).toInt(), farsi.mid(5, 2).toInt(),
-                                  farsi.mid(8, 2).toInt(), jalali);
-            EXPECT_EQ(l[c + u"date"_s].toString(), g.toString(u"yyyy-MM-dd"_s))
-                << farsi.toStdString();
+            const QString f = l[u"farsi"_s + c + u"date"_s].toString();
+            const QDate g(f.left(4).toInt(), f.mid(5, 2).toInt(), f.mid(8, 2).toInt(), jalali);
+            EXPECT_EQ(l[c + u"date"_s].toString(), g.toString(u"yyyy-MM-dd"_s)) << qPrintable(f);
         }
         const QString b = l[u"farsibegindate"_s].toString(), e = l[u"farsienddate"_s].toString();
-        const int months = (e.left(4).toInt() - b.left(4).toInt()) * 12 + e.mid(5, 2).toInt() -
-                           b.mid(5, 2).toInt();
-        EXPECT_EQ(months, n - 1) << b.toStdString() << " .. " << e.toStdString();
+        EXPECT_EQ(month(e) - month(b), n - 1) << qPrintable(b) << " .. " << qPrintable(e);
         EXPECT_LE(l[u"farsipaymentdate"_s].toString(), b);
-        if (!l[u"code"_s].isNull()) codes << l[u"code"_s].toInt();
+        if (!l[u"code"_s].isNull()) {
+            codes << l[u"code"_s].toInt();
+            expected << int(codes.size());
+        }
     }
-    ASSERT_FALSE(codes.isEmpty());
-    std::sort(codes.begin(), codes.end());
-    for (int i = 0; i < codes.size(); ++i) EXPECT_EQ(codes[i], i + 1);
+    EXPECT_FALSE(codes.isEmpty());
+    EXPECT_EQ(codes, expected);
 }
 
 TEST_F(DemoDatabase, IsLeftAloneWhenCreatedAgain) {
@@ -156,42 +153,31 @@ QString scriptText() {
 
 QRegularExpression pattern(const QString& text) {
     return QRegularExpression(text, QRegularExpression::CaseInsensitiveOption |
-                                        QRegularExpression::DotMatchesEverythingOption);
+                                        QRegularExpression::DotMatchesEverythingOption |
+                                        QRegularExpression::MultilineOption);
 }
 
 // The script read loosely, as "name: columns" (tables, views, indexes) and "name: parameters"
 // (procedures), lower case and sorted.
 QStringList scriptObjects(const QString& text) {
-    QStringList out;
-    auto each = [&](const QString& re, const std::function<QStringList(const QString&)>& items) {
-        for (auto it = pattern(re).globalMatch(text); it.hasNext();) {
-            const auto m = it.next();
-            out << (m.captured(1) + u": "_s + items(m.captured(2)).join(u',')).toLower();
-        }
+    const std::pair<QString, QString> kinds[] = {
+        // the object, then each item in its text
+        {uR"(CREATE\s+TABLE\s+dbo\.(\w+)\s*\((.*?)\n\);)"_s, uR"(^[ \t]*(?!--|CONSTRAINT)(\w+))"_s},
+        {uR"(CREATE\s+VIEW\s+dbo\.(\w+)\s+AS\s+SELECT\s(.*?)\sFROM\s)"_s,
+         uR"(\sAS\s+(\w+)\s*(?:,|$))"_s},
+        {uR"(CREATE\s+INDEX\s+(\w+)\s+ON\s+dbo\.\w+\s*\(([^)]*)\))"_s, uR"((\w+))"_s},
+        {uR"(CREATE\s+PROCEDURE\s+dbo\.(\w+)(.*?)\n\s*AS\s*\n)"_s, uR"((@\w+))"_s},
     };
-    each(uR"(CREATE\s+TABLE\s+dbo\.(\w+)\s*\((.*?)\n\);)"_s, [](const QString& body) {
-        QStringList columns;
-        for (QString line : body.split(u'\n')) {
-            line = line.trimmed();
-            if (!line.isEmpty() && !line.startsWith(u"--"_s) && !line.startsWith(u"CONSTRAINT"_s))
-                columns << line.section(u' ', 0, 0);
+    QStringList out;
+    for (const auto& [object, item] : kinds) {
+        for (auto it = pattern(object).globalMatch(text); it.hasNext();) {
+            const auto m = it.next();
+            QStringList items;
+            for (auto i = pattern(item).globalMatch(m.captured(2)); i.hasNext();)
+                items << i.next().captured(1);
+            out << (m.captured(1) + u": "_s + items.join(u',')).toLower();
         }
-        return columns;
-    });
-    each(uR"(CREATE\s+VIEW\s+dbo\.(\w+)\s+AS\s+SELECT\s(.*?)\sFROM\s)"_s, [](const QString& list) {
-        QStringList columns;  // the name after each item's AS
-        for (const QString& item : list.split(u','))
-            columns << pattern(uR"(\s+AS\s+(\w+)\s*$)"_s).match(item).captured(1);
-        return columns;
-    });
-    each(uR"(CREATE\s+INDEX\s+(\w+)\s+ON\s+dbo\.\w+\s*\(([^)]*)\))"_s,
-         [](const QString& columns) { return QStringList{QString(columns).remove(u' ')}; });
-    each(uR"(CREATE\s+PROCEDURE\s+dbo\.(\w+)(.*?)\n\s*AS\s*\n)"_s, [](const QString& head) {
-        QStringList params;
-        for (auto p = QRegularExpression(u"@\\w+"_s).globalMatch(head); p.hasNext();)
-            params << p.next().captured(0);
-        return params;
-    });
+    }
     out.sort();
     return out;
 }
@@ -236,30 +222,26 @@ TEST(Schema, SqlServerScriptCreatesOnlyWhatIsMissing) {
         for (auto it = create.globalMatch(batch); it.hasNext(); ++created) {
             const auto m = it.next();
             const QString kind = m.captured(1).toUpper(), name = m.captured(2);
+            // An index is looked up by name, the others by name and type (U, V or P).
             const QString guard =
                 kind == u"INDEX"_s
                     ? u"NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'%1'"_s.arg(name)
-                    : u"IF OBJECT_ID(N'dbo.%1', N'%2') IS NULL"_s.arg(name,
-                                                                      kind == u"TABLE"_s  ? u"U"_s
-                                                                      : kind == u"VIEW"_s ? u"V"_s
-                                                                                          : u"P"_s);
+                    : u"IF OBJECT_ID(N'dbo.%1', N'%2') IS NULL"_s.arg(
+                          name, kind == u"TABLE"_s ? u"U"_s : kind.left(1));
             EXPECT_TRUE(batch.left(m.capturedStart()).contains(guard)) << name.toStdString();
         }
     }
     EXPECT_EQ(created, 9 + 11 + 5 + 3);  // tables, indexes, views, procedures
 }
 
-// The script parses as T-SQL, and so does each view and procedure it creates through EXEC.
+// Each view and procedure the script creates through EXEC parses as T-SQL (the batches
+// themselves are checked with the SQL Server tests).
 TEST(Schema, SqlServerScriptParsesAsTsql) {
     static const QRegularExpression exec(uR"(EXEC\(N'((?:[^']|'')*)'\);)"_s);
     int bodies = 0;
     for (auto it = exec.globalMatch(scriptText()); it.hasNext(); ++bodies)
         kav::test::CheckedTsql(it.next().captured(1).replace(u"''"_s, u"'"_s));
     EXPECT_EQ(bodies, 8);
-    const kav::test::TsqlResult whole = kav::test::RunTsqlCheckOnFile(SqlServerSchemaScriptPath());
-    if (!whole.available)
-        GTEST_SKIP() << "T-SQL syntax check not run: " << whole.output.toStdString();
-    EXPECT_TRUE(whole.passed) << whole.output.toStdString();
 }
 
 }  // namespace

@@ -81,8 +81,9 @@ void checkStoredCommands(Module& module, const test::TestDatabase& db) {
         qint32 permission;
         bool has;
     };
-    for (const Role& r : {Role{7, 111801, true}, Role{7, 111802, false}, Role{7, 111803, true},
-                          Role{8, 111801, false}, Role{8, 111802, true}}) {
+    // Neither the user alone nor the permission alone decides.
+    for (const Role& r : {Role{7, 111801, true}, Role{7, 111802, false}, Role{8, 111801, false},
+                          Role{8, 111802, true}}) {
         module.session.SessionUserID = r.user;
         EXPECT_EQ(module.HasPermission(r.permission), r.has) << r.user << " " << r.permission;
     }

@@ -92,6 +92,4 @@ TsqlResult RunTsqlCheck(const QStringList& texts) {
     return run({u"--json"_s, file});
 }
 
-TsqlResult RunTsqlCheckOnFile(const QString& scriptFile) { return run({scriptFile}); }
-
 }  // namespace kav::test

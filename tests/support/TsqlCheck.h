@@ -24,6 +24,5 @@ struct TsqlResult {
 };
 
 TsqlResult RunTsqlCheck(const QStringList& texts);
-TsqlResult RunTsqlCheckOnFile(const QString& scriptFile);
 
 }  // namespace kav::test

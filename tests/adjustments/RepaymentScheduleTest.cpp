@@ -128,17 +128,13 @@ TEST(RepaymentSchedule, NoScheduleWithoutAnInstalmentOrStartAndNoEndlessSchedule
     }
     s = Compute(terms(600000, 100000, 6, 0, QString(), QString()), {}, {});
     EXPECT_EQ(s.problem, u"تاريخ شروع اقساط وام مشخص نشده است"_s + none);
-    // An open-ended adjustment of nothing, and an amount no instalment count could reach,
-    // stop after a hundred years and say so.
+    // An open-ended adjustment of nothing stops after a hundred years and says so.
     s = Compute(terms(600000, 100000, 6, 0, u"1403/01/31"_s, QString()),
                 {{1, u"1403/02/01"_s, QString(), R(0)}}, {});
     EXPECT_EQ(s.rows.size(), 1200);
     EXPECT_EQ(
         s.problem,
         u"مانده وام در 1200 ماه به صفر نمي‌رسد؛ فقط 1200 ماه نخست نشان داده شده است."_s);
-    s = Compute(terms(900'000'000'000'000LL, 1, 1'000'000'000, 1, u"1403/01/31"_s, QString()), {},
-                {});
-    EXPECT_EQ(s.rows.size(), 1200);
 }
 
 namespace {

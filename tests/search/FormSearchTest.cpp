@@ -78,7 +78,6 @@ TEST_F(SearchTest, FillsOneRowPerMemberAndSaysWhenNothingIsFoundOrWhatWentWrong)
         EXPECT_EQ(f.Flexsearchresult->Row(), 1);
         EXPECT_EQ(f.Flexsearchresult->view()->hasFocus(), started != 2) << started;
     }
-    // (An amount that is no number runs nothing: the hostile search tests.)
     f.chkFinalSave->setChecked(false);
     f.cmdSearch->click();
     EXPECT_EQ(Shown(), QStringList{u"اطلاع: رکوردي يافت نشد."_s});

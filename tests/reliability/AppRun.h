@@ -34,15 +34,14 @@ struct AppOutcome {
 
 struct AppHome {
     AppHome() {
-        for (const QString& folder : {u"config"_s, u"data"_s, u"run"_s})
-            QDir(home.path()).mkdir(folder);
-        QFile::setPermissions(home.filePath(u"run"_s),
-                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         env.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
         env.insert(u"HOME"_s, home.path());
-        env.insert(u"XDG_CONFIG_HOME"_s, home.filePath(u"config"_s));
-        env.insert(u"XDG_DATA_HOME"_s, home.filePath(u"data"_s));
-        env.insert(u"XDG_RUNTIME_DIR"_s, home.filePath(u"run"_s));
+        for (const auto& [variable, folder] : {std::pair{u"XDG_CONFIG_HOME"_s, u"config"_s},
+                                               {u"XDG_DATA_HOME"_s, u"data"_s},
+                                               {u"XDG_RUNTIME_DIR"_s, u"run"_s}}) {
+            QDir(home.path()).mkdir(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+            env.insert(variable, home.filePath(folder));
+        }
     }
     AppOutcome run(const QStringList& args) const {
         QProcess p;

@@ -79,10 +79,6 @@ const struct Foreign {
     {"a folder", [](const QString& file) { return embedded(QFileInfo(file).path()); },
      u"اتصال به پايگاه داده برقرار نشد:\n\u2066unable to open database file Error opening "
      u"database\u2069"_s},
-    {"no file named", [](const QString&) { return u"Provider=SQLite"_s; },
-     u"رشته اتصال پايگاه داده محلي فايل آن را (Data Source) مشخص نکرده است."_s},
-    {"no provider", [](const QString& file) { return u"Data Source="_s + file; },
-     u"رشته اتصال فراهم‌کننده (Provider) يا راه‌انداز ODBC (Driver) را مشخص نکرده است."_s},
     {"an unknown provider", [](const QString&) { return u"Provider=Jet;Data Source=x.mdb"_s; },
      u"فراهم‌کننده «Jet» در رشته اتصال شناخته نيست؛ SQLOLEDB، SQLNCLI، MSOLEDBSQL، MSDASQL "
      u"يا SQLite پذيرفته مي‌شود."_s},
@@ -125,27 +121,23 @@ TEST(ForeignDatabase, OneLineExitTwoTheSameErrorForTheHostAndTheFileLeftAlone) {
         EXPECT_EQ(r.out, QString());
         EXPECT_FALSE(QFileInfo::exists(app.settingsFile()));  // a failed start keeps nothing
 
-        // The control raises it for its host, from View and ClearShow, and shows nothing.
-        {
-            auto messages = std::make_shared<MessageScript>();
-            auto module = std::make_shared<Module>();
-            module->SetMessageFactory(ScriptedFactory(messages));
-            module->SetModalRunner([](QDialog&) { return 0; });
-            kavHRLoan1 control(module);
-            control.setOLEConnectionstring(connection);
-            for (const bool view : {true, false}) {
-                try {
-                    qint32 loan = 1;
-                    view ? control.View(loan) : control.ClearShow();
-                    ADD_FAILURE() << "opened";
-                } catch (const KavError& e) {
-                    EXPECT_EQ(e.kind(), KavError::Kind::Connection);
-                    EXPECT_EQ(e.message(), message);
-                }
-            }
-            EXPECT_FALSE(module->HasWindow<FormHRLoan>());
-            EXPECT_EQ(messages->texts(), QStringList());
+        // The control raises the same for its host (from View as from ClearShow, which the
+        // host's own tests show) and shows nothing.
+        auto messages = std::make_shared<MessageScript>();
+        auto module = std::make_shared<Module>();
+        module->SetMessageFactory(ScriptedFactory(messages));
+        module->SetModalRunner([](QDialog&) { return 0; });
+        kavHRLoan1 control(module);
+        control.setOLEConnectionstring(connection);
+        try {
+            control.ClearShow();
+            ADD_FAILURE() << "opened";
+        } catch (const KavError& e) {
+            EXPECT_EQ(e.kind(), KavError::Kind::Connection);
+            EXPECT_EQ(e.message(), message);
         }
+        EXPECT_FALSE(module->HasWindow<FormHRLoan>());
+        EXPECT_EQ(messages->texts(), QStringList());
         EXPECT_EQ(fileState(file), before);
     }
 }

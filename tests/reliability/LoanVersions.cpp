@@ -1,9 +1,5 @@
 #include "LoanVersions.h"
 
-#include <QSqlQuery>
-#include <QSqlRecord>
-#include <QStringList>
-
 using namespace Qt::StringLiterals;
 
 namespace kav::reliability {
@@ -33,20 +29,6 @@ loan_save::LoanRecord baseLoan(bool isFinal, qint64 typeId, qint64 value, const 
     return loan;
 }
 
-// The rows of a query, each row's columns joined, Null as "null".
-QStringList rows(QSqlDatabase db, const QString& sql) {
-    QSqlQuery q(db);
-    q.exec(sql);
-    QStringList out;
-    while (q.next()) {
-        QStringList cells;
-        for (int c = 0; c < q.record().count(); ++c)
-            cells << (q.isNull(c) ? kNull : q.value(c).toString());
-        out << cells.join(u',');
-    }
-    return out;
-}
-
 }  // namespace
 
 loan_save::LoanRecord LargeLoanVersion(qint64 version, int members) {
@@ -73,31 +55,6 @@ loan_save::LoanRecord TaggedLoan(int tag, int i, int members) {
     for (int k = 0; k < members; ++k)
         loan.members.append({id(tag * 1000 + k), {kNull, kNull, kNull}});
     return loan;
-}
-
-QString LoanDifference(QSqlDatabase db, qint64 loanId, const loan_save::LoanRecord& e) {
-    QStringList wanted = {QStringList{id(e.isFinal), e.notes, e.loanValue, e.originalValue,
-                                      e.monthlyValue, e.payBackNumber, id(e.remainderOption),
-                                      id(e.typeId)}
-                              .join(u',')};
-    for (const loan_save::MemberRow& m : e.members)
-        wanted << QStringList{m.employeeId, m.guarantors[0], m.guarantors[1], m.guarantors[2]}.join(
-            u',');
-    const QStringList stored =
-        rows(db,
-             u"select Code is not null, Notes, LoanValue, OriginalLoanValue, MonthlyValue, "
-             "PayBackNumber, UseRemainedValueInFirstMonth, TypeID from tblHRLoan where ID=%1"_s.arg(
-                 loanId)) +
-        rows(db,
-             u"select EmployeeID, SupporterEmployeeID1, SupporterEmployeeID2, "
-             "SupporterEmployeeID3 from tblHRLoanDetail where LoanID=%1 order by ID"_s.arg(loanId));
-    if (stored == wanted) return {};
-    return u"loan %1 holds [%2] and %3 member rows, not [%4] and the %5 of its version"_s
-        .arg(loanId)
-        .arg(stored.value(0))
-        .arg(stored.size() - 1)
-        .arg(wanted[0])
-        .arg(wanted.size() - 1);
 }
 
 }  // namespace kav::reliability

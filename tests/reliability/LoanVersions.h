@@ -3,8 +3,6 @@
 // Loans that are each a function of a number, so that what a database holds after a crash
 // matches exactly one version: its header, its code and every member row.
 
-#include <QSqlDatabase>
-
 #include "loan_editor/LoanSave.h"
 
 namespace kav::reliability {
@@ -16,9 +14,5 @@ loan_save::LoanRecord LargeLoanVersion(qint64 version, int members);
 loan_save::LoanRecord NewLoan(qint64 j, int employees);
 // A client's i-th final loan, notes "TAG:i", members TAG*1000 + 0..members-1.
 loan_save::LoanRecord TaggedLoan(int tag, int i, int members);
-
-// "" when the stored loan `id` is exactly the record (header, final or temporary, member
-// rows in order); otherwise what differs.
-QString LoanDifference(QSqlDatabase db, qint64 id, const loan_save::LoanRecord& expected);
 
 }  // namespace kav::reliability

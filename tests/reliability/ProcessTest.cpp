@@ -6,7 +6,6 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
-#include <QSqlQuery>
 #include <iostream>
 #include <memory>
 #include <random>
@@ -64,12 +63,32 @@ struct Child {
     QStringList lines;
 };
 
-QStringList column(QSqlDatabase db, const QString& sql) {
-    QSqlQuery q(db);
-    QStringList values;
-    if (!q.exec(sql)) values << u"failed: "_s + sql;
-    while (q.next()) values << q.value(0).toString();
-    return values;
+// "" when the stored loan `id` is exactly the record (header, final or temporary, member rows
+// in order); otherwise what is stored and what was saved.
+QString LoanDifference(const test::TestDatabase& db, qint64 id, const loan_save::LoanRecord& e) {
+    QStringList saved = {
+        u"%1|%2|%3|%4|%5|%6|%7|%8"_s.arg(e.isFinal)
+            .arg(e.notes, e.loanValue, e.originalValue, e.monthlyValue, e.payBackNumber)
+            .arg(e.remainderOption)
+            .arg(e.typeId)};
+    for (const loan_save::MemberRow& m : e.members)
+        saved << QStringList{m.employeeId, m.guarantors[0], m.guarantors[1], m.guarantors[2]}.join(
+            u'|');
+    const QStringList stored =
+        db.table(
+            u"select Code is not null, Notes, LoanValue, OriginalLoanValue, MonthlyValue, "
+            "PayBackNumber, UseRemainedValueInFirstMonth, TypeID from tblHRLoan where ID=%1"_s.arg(
+                id)) +
+        db.table(
+            u"select EmployeeID, ifnull(SupporterEmployeeID1, 'null'), "
+            "ifnull(SupporterEmployeeID2, 'null'), ifnull(SupporterEmployeeID3, 'null') "
+            "from tblHRLoanDetail where LoanID=%1 order by ID"_s.arg(id));
+    if (stored == saved) return {};
+    return u"loan %1 holds [%2] and %3 member rows, not [%4] and %5"_s.arg(id)
+        .arg(stored.value(0))
+        .arg(stored.size() - 1)
+        .arg(saved[0])
+        .arg(saved.size() - 1);
 }
 
 }  // namespace
@@ -107,23 +126,19 @@ TEST(CrashSafety, AClientKilledWhileSavingLeavesEveryLoanWhollyBeforeOrAfter) {
         cutShort += QFileInfo(db.file() + u"-journal"_s).size() > 0;  // a hot journal
 
         // Opening the file rolls back what was cut short.
-        EXPECT_EQ(column(db.db(), u"PRAGMA integrity_check"_s), QStringList{u"ok"_s});
-        version = column(db.db(), u"select substr(Notes, 2) from tblHRLoan where ID=1"_s)
-                      .value(0)
-                      .toLongLong();
+        EXPECT_EQ(db.table(u"PRAGMA integrity_check"_s), QStringList{u"ok"_s});
+        version = db.scalar(u"select substr(Notes, 2) from tblHRLoan where ID=1"_s).toLongLong();
         ASSERT_TRUE(version == reportedVersion || version == reportedVersion + 1)
             << "loan 1 at version " << version << ", the client reported " << reportedVersion;
-        EXPECT_EQ(LoanDifference(db.db(), 1, LargeLoanVersion(version, kMembers)), QString());
-        newLoans =
-            column(db.db(), u"select count(*) from tblHRLoan where ID > 1"_s).value(0).toLongLong();
+        EXPECT_EQ(LoanDifference(db, 1, LargeLoanVersion(version, kMembers)), QString());
+        newLoans = db.scalar(u"select count(*) from tblHRLoan where ID > 1"_s).toLongLong();
         ASSERT_TRUE(newLoans == reportedNew || newLoans == reportedNew + 1)
             << newLoans << " new loans, the client reported " << reportedNew;
         for (int j = 1; j <= newLoans; ++j)
-            EXPECT_EQ(LoanDifference(db.db(), j + 1, NewLoan(j, kMembers)), QString());
-        EXPECT_EQ(column(db.db(),
-                         u"select Code from tblHRLoan where Code is not null group by "
-                         "Code having count(*) > 1 union all select count(*) from "
-                         "tblHRLoanDetail where LoanID not in (select ID from tblHRLoan)"_s),
+            EXPECT_EQ(LoanDifference(db, j + 1, NewLoan(j, kMembers)), QString());
+        EXPECT_EQ(db.table(u"select Code from tblHRLoan where Code is not null group by "
+                           "Code having count(*) > 1 union all select count(*) from "
+                           "tblHRLoanDetail where LoanID not in (select ID from tblHRLoan)"_s),
                   QStringList{u"0"_s});
     }
     EXPECT_GT(cutShort, 0) << "no kill landed inside a save";
@@ -153,24 +168,21 @@ TEST(Concurrency, TwoProcessesSavingAtOnceGetDistinctGapFreeCodesAndTheirOwnMemb
         EXPECT_EQ(c->process.exitCode(), 0) << c->lines.join(u'\n').toStdString();
     }
 
-    QSqlQuery q(db.db());
-    ASSERT_TRUE(q.exec(u"select ID, Code, Notes from tblHRLoan order by Code"_s));
     int code = 0, turns = 0;
     QString lastTag;
-    while (q.next()) {
-        EXPECT_EQ(q.value(1).toInt(), ++code);
-        const QStringList tagAndNumber = q.value(2).toString().split(u':');
-        ASSERT_EQ(tagAndNumber.size(), 2);
+    for (const QString& row : db.table(u"select ID, Code, Notes from tblHRLoan order by Code"_s)) {
+        const QStringList f = row.split(u'|'), tagAndNumber = f.value(2).split(u':');
+        EXPECT_EQ(f[1].toInt(), ++code);
+        ASSERT_EQ(tagAndNumber.size(), 2) << row.toStdString();
         turns += tagAndNumber[0] != lastTag;
         lastTag = tagAndNumber[0];
-        EXPECT_EQ(LoanDifference(db.db(), q.value(0).toLongLong(),
+        EXPECT_EQ(LoanDifference(db, f[0].toLongLong(),
                                  TaggedLoan(tagAndNumber[0].toInt(), tagAndNumber[1].toInt(), 3)),
                   QString());
     }
     EXPECT_EQ(code, 2 * saves);
-    EXPECT_EQ(column(db.db(),
-                     u"select count(distinct Notes) from tblHRLoan union all "
-                     "select count(*) from tblHRLoanDetail"_s),
-              (QStringList{QString::number(2 * saves), QString::number(6 * saves)}));
+    EXPECT_EQ(db.scalar(u"select count(distinct Notes) || ' ' || (select count(*) from "
+                        "tblHRLoanDetail) from tblHRLoan"_s),
+              u"%1 %2"_s.arg(2 * saves).arg(6 * saves));
     EXPECT_GE(turns, 3) << "the two did not save at the same time";
 }

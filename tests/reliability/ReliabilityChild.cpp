@@ -32,7 +32,7 @@ qint64 number(Connection& cnt, const QString& sql) {
 }
 
 [[noreturn]] void crashSaves(Connection& cnt, int members) {
-    // Where the last client stopped: the version loan 1 holds and the new loans stored.
+    // Where the last client stopped.
     qint64 version = number(cnt, u"select substr(Notes, 2) as n from tblHRLoan where ID=1"_s);
     qint64 newLoans = number(cnt, u"select count(*) as n from tblHRLoan where ID > 1"_s);
     say(u"ready"_s);
@@ -77,8 +77,6 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "kav_reliability_child: %s\n", e.message().toUtf8().constData());
         return 1;
     }
-    std::fprintf(stderr,
-                 "usage: kav_reliability_child crash-saves FILE MEMBERS | concurrent FILE "
-                 "COUNT TAG MEMBERS\n");
+    std::fprintf(stderr, "usage: see the head of ReliabilityChild.cpp\n");
     return 2;
 }

@@ -15,9 +15,7 @@
 #include "base/Errors.h"
 #include "host/kavHRLoan1.h"
 #include "loan_editor/FormHRLoan.h"
-#include "session/Module.h"
 #include "support/QtPrinters.h"
-#include "support/ScriptedMessages.h"
 #include "support/TestDatabase.h"
 
 using namespace Qt::StringLiterals;

@@ -7,11 +7,9 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <iostream>
-#include <memory>
 #include <random>
 
 #include "LoanVersions.h"
-#include "session/DataEnvironment.h"
 #include "support/QtPrinters.h"
 #include "support/TestDatabase.h"
 

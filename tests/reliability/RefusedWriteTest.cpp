@@ -4,22 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <QClipboard>
-#include <QComboBox>
 #include <QGuiApplication>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTest>
-#include <functional>
 
 #include "adjustments/AdjustmentFixture.h"
 #include "adjustments/AdjustmentOpener.h"
-#include "adjustments/FormHRException.h"
-#include "controls/FlexGrid.h"
-#include "controls/VarekCurrency.h"
-#include "controls/VarekDate.h"
-#include "controls/VarekSelector.h"
 #include "loan_editor/EditorFixture.h"
-#include "support/QtPrinters.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;

@@ -6,7 +6,6 @@
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -21,9 +20,7 @@
 #include "data/ConnectionString.h"
 #include "data/DriverError.h"
 #include "data/EmbeddedSchema.h"
-#include "loan_editor/LoanSave.h"
 #include "search/SearchSql.h"
-#include "session/DataEnvironment.h"
 #include "session/Module.h"
 #include "support/QtPrinters.h"
 #include "support/TsqlCheck.h"

@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSettings>
 #include <QSqlDatabase>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -133,6 +134,9 @@ void kavHRLoan1::copyPropertiesToSession() {
     s.SessionPositionID = positionID_;
     s.SessionEmployeeID = employeeID_;
     s.SessionConnectionString = connectionString_;
+    // The payslip table's column names, as the host application's settings give them.
+    QSettings settings;
+    s.PayslipColumns = data::PayslipColumns::FromSettings(settings);
 }
 
 // The database the session names is opened and must be the loan module's own before the

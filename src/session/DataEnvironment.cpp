@@ -452,6 +452,7 @@ void Connection::Close() {
     // Statements still open on the handle are finalised first, or it would not close.
     while (!readers_.empty()) readers_.back()->finish();
     sqlite_ = nullptr;
+    columns_.clear();
     if (QSqlDatabase::contains(qtName_)) {
         QSqlDatabase db = QSqlDatabase::database(qtName_, false);
         if (db.isOpen()) db.close();
@@ -476,6 +477,43 @@ sqlite3* Connection::sqliteHandle() {
 }
 
 bool Connection::RunsOnSqlite() { return sqliteHandle() != nullptr; }
+
+std::optional<QStringList> Connection::ColumnsOf(const QString& table) {
+    Open();
+    const QString key = table.toLower();
+    if (const auto known = columns_.constFind(key); known != columns_.constEnd()) return *known;
+    std::optional<QStringList> names;
+    const QString sql = u"Select * from %1 Where 1=0"_s.arg(table);
+    if (sqlite_) {
+        sqlite3_stmt* stmt = nullptr;
+        const QByteArray utf8 = sql.toUtf8();
+        if (sqlite3_prepare_v2(sqlite_, utf8.constData(), int(utf8.size()), &stmt, nullptr) ==
+                SQLITE_OK &&
+            stmt)
+            names = columnNames(stmt);
+        sqlite3_finalize(stmt);
+    } else {
+        QSqlQuery q(Database());
+        q.setForwardOnly(true);
+        if (q.exec(sql)) {
+            const QSqlRecord rec = q.record();
+            names = QStringList();
+            for (int c = 0; c < rec.count(); ++c) *names << rec.fieldName(c);
+        }
+        q.finish();
+    }
+    qCDebug(lcSql) << "columns of" << table << (names ? names->join(u',') : u"(none)"_s);
+    columns_.insert(key, names);
+    return names;
+}
+
+bool Connection::HasColumns(const QString& table, const QStringList& columns) {
+    const std::optional<QStringList> present = ColumnsOf(table);
+    if (!present) return false;
+    for (const QString& c : columns)
+        if (!present->contains(c, Qt::CaseInsensitive)) return false;
+    return true;
+}
 
 int Connection::waitForLock(void* connection, int tries) {
     auto& waitStart = static_cast<Connection*>(connection)->waitStart_;

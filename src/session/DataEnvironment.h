@@ -208,6 +208,13 @@ public:
     // opened with QSQLITE); opens the connection first.
     bool RunsOnSqlite();
 
+    // The columns of a table or view as the database names them, found out once per
+    // connection; nothing when the database has no such table. Not to be asked inside a
+    // write transaction (a failed read may end it on SQL Server).
+    std::optional<QStringList> ColumnsOf(const QString& table);
+    // True when the table has every one of the columns (compared without case).
+    bool HasColumns(const QString& table, const QStringList& columns);
+
 private:
     friend class Recordset;
     friend class RowReader;
@@ -226,6 +233,7 @@ private:
     bool utf8_ = false;  // the embedded database keeps its texts as UTF-8
     std::chrono::steady_clock::time_point waitStart_;  // of the current wait for a lock
     std::vector<RowReader*> readers_;  // open readers, finished when the connection closes
+    QHash<QString, std::optional<QStringList>> columns_;  // ColumnsOf, by lower-case table
 };
 
 // One write command's statements as one transaction serialised among clients: begun on

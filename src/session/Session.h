@@ -4,6 +4,7 @@
 #include <QtGlobal>
 
 #include "data/Names.h"
+#include "data/PayslipColumns.h"
 
 namespace kav {
 
@@ -26,6 +27,10 @@ struct Session {
     qint16 LoanEditStarted = 0;
     // Set by the local yes/no dialog: 6 yes, 7 no.
     qint16 DialogAnswer = 0;
+
+    // The payslip table's columns beyond the loan id, as this office's suite names them
+    // (the entry calls read them from the host application's settings).
+    data::PayslipColumns PayslipColumns;
 };
 
 // The modes of the loan editor and the adjustment window.

@@ -21,6 +21,7 @@
 #include "adjustments/AdjustmentSql.h"
 #include "adjustments/FormHRException.h"
 #include "adjustments/FormList.h"
+#include "adjustments/ScheduleSource.h"
 #include "base/Errors.h"
 #include "controls/FlexGrid.h"
 #include "data/DemoData.h"
@@ -364,7 +365,7 @@ void finalSave(Context& ctx) {
                                               rs.Open(overlap);
                                               if (rs.RecordCount() < 0) std::abort();
                                               rs.Close();
-                                              kav::loan_save::WriteLoan(cnt, loan, id);
+                                              kav::loan_save::WriteLoan(cnt, loan, kav::stored_loan::Expected{id, {}, false});
                                           },
                                           [&] { raw.stepAll(overlap, {u"EmployeeID"_s}); }},
                                          // On a connection of its own, so that both
@@ -424,7 +425,7 @@ void schedule(Context& ctx) {
                            raw.stepAll(kav::adjustment_sql::LoanHeader(loan));
                            raw.stepAll(kav::adjustment_sql::MemberLoanRows(loan, employee));
                            raw.stepAll(kav::adjustment_sql::MemberAdjustments(loan, employee));
-                           raw.stepAll(kav::adjustment_sql::MemberPayslips(loan, employee));
+                           raw.stepAll(kav::schedule::MemberPayslipsQuery({}, loan, employee));
                        },
                        [&] {
                            window.ViewPRSBalance(employee);

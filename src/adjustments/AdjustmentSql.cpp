@@ -47,9 +47,4 @@ QString MemberAdjustments(qint32 loanId, qint32 employeeId) {
            u" and EmployeeID="_s + number(employeeId) + u" order by ID"_s;
 }
 
-QString MemberPayslips(qint32 loanId, qint32 employeeId) {
-    return u"Select * from tblHRMonthlyPaiedLoan where LoanID="_s + number(loanId) +
-           u" and EmployeeID="_s + number(employeeId);
-}
-
 }  // namespace kav::adjustment_sql

@@ -24,9 +24,9 @@ QString DeleteAdjustment(const data::SqlDialect& dialect, qint32 id, qint32 empl
 // bound out. The dates are Persian texts "yyyy/mm/dd".
 QString ListQuery(qint32 employeeId, const QString& farsiBeginDate, const QString& farsiEndDate);
 
-// The member's schedule: the loan's header, the member's adjustments and his payslip rows.
+// The member's schedule: the loan's header and the member's adjustments (his payslip rows:
+// schedule::MemberPayslipsQuery, with the office's column names).
 QString LoanHeader(qint32 loanId);
 QString MemberAdjustments(qint32 loanId, qint32 employeeId);
-QString MemberPayslips(qint32 loanId, qint32 employeeId);
 
 }  // namespace kav::adjustment_sql

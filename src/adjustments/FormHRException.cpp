@@ -15,6 +15,7 @@
 #include "adjustments/AdjustmentTexts.h"
 #include "adjustments/FormList.h"
 #include "adjustments/ScheduleExport.h"
+#include "adjustments/ScheduleSource.h"
 #include "base/Errors.h"
 #include "controls/FlexGrid.h"
 #include "controls/VarekDate.h"
@@ -412,31 +413,17 @@ void FormHRException::FillPRSBalance(qint32 employeeId) {
     memberCaption_ = code.isEmpty() ? name : code + u" - "_s + name;
     rs.Close();
 
-    // The adjustments and payslips are read once each, row by row, their columns found once.
-    QVector<schedule::Adjustment> adjustments;
-    {
-        RowReader rows(module_.DtEn().cnt(), adjustment_sql::MemberAdjustments(loanId, employeeId));
-        const int id = rows.FieldIndex(u"ID"_s), begin = rows.FieldIndex(u"FarsiBeginDate"_s),
-                  end = rows.FieldIndex(u"FarsiEndDate"_s),
-                  monthlyDebit = rows.FieldIndex(u"MonthlyDebit"_s);
-        while (rows.Next()) {
-            const std::optional<Currency> debit = schedule::AmountOf(rows.Fields(monthlyDebit));
-            adjustments.append({rows.Fields(id).toInt(), FieldText(rows.Fields(begin)),
-                                FieldText(rows.Fields(end)),
-                                debit.value_or(Currency::fromRaw(-Currency::Scale))});
-        }
-    }
-    QVector<schedule::Payslip> payslips;
-    {
-        RowReader rows(module_.DtEn().cnt(), adjustment_sql::MemberPayslips(loanId, employeeId));
-        const int month = rows.FieldIndex(u"PayMonth"_s), paid = rows.FieldIndex(u"PaidValue"_s);
-        while (rows.Next())
-            payslips.append({FieldText(rows.Fields(month)),
-                             schedule::AmountOf(rows.Fields(paid)).value_or(Currency())});
-    }
-
-    schedule_ = schedule::Compute(*terms_, adjustments, payslips);
-    showBalanceProblem(schedule_.problem);
+    const schedule::MemberInputs in = schedule::ReadMemberInputs(
+        module_.DtEn().cnt(), module_.session.PayslipColumns, loanId, employeeId);
+    schedule_ = schedule::Compute(*terms_, in.adjustments, in.payslips);
+    // Without the payslip columns the schedule is the plan alone, and says so.
+    showBalanceProblem(
+        QStringList{schedule_.problem,
+                    in.payslipsKnown
+                        ? QString()
+                        : schedule::PayslipColumnsMissingText(module_.session.PayslipColumns)}
+            .join(u' ')
+            .trimmed());
     if (schedule_.rows.isEmpty()) {
         if (schedule_.problem.isEmpty()) {
             setInfo(u"lblPaidSoFar"_s, schedule::AmountText(Currency()));

@@ -1,5 +1,6 @@
 #include "data/PayslipColumns.h"
 
+#include <QRegularExpression>
 #include <QSettings>
 
 #include "base/Errors.h"
@@ -37,6 +38,13 @@ PayslipColumns PayslipColumns::FromSettings(QSettings& settings) {
         if (!value.isEmpty()) c.*k.field = value;
     }
     settings.endGroup();
+    // A column's name goes into the statements as it stands: a plain name only.
+    static const QRegularExpression name(u"^[A-Za-z_][A-Za-z0-9_]*$"_s);
+    for (const Key& k : kKeys)
+        if (k.field != &PayslipColumns::monthForm && !name.match(c.*k.field).hasMatch())
+            throw KavError(KavError::Kind::Usage,
+                           u"نام ستون «%1» در تنظيمات (Payslip/%2) نام ستون نيست."_s.arg(
+                               c.*k.field, k.name));
     if (!c.monthForm.contains(u"yyyy"_s) || !c.monthForm.contains(u"mm"_s))
         throw KavError(KavError::Kind::Usage,
                        u"شکل ماه فيش حقوقي «%1» در تنظيمات (Payslip/MonthForm) بايد yyyy و mm "

@@ -50,6 +50,12 @@ QString SqlDialect::isNullFunction() const {
     return kind_ == DatabaseKind::SqlServer ? u"IsNull"_s : u"IfNull"_s;
 }
 
+QString SqlDialect::typedText(const QString& text) const {
+    QString quoted = text;
+    quoted.replace(u"'"_s, u"''"_s);
+    return (kind_ == DatabaseKind::SqlServer ? u"N'"_s : u"'"_s) + quoted + u"'"_s;
+}
+
 QString SqlDialect::beginSerialised(const QString& lockName) const {
     if (kind_ == DatabaseKind::SQLite) return u"BEGIN IMMEDIATE"_s;
     QString name = lockName;

@@ -30,6 +30,11 @@ public:
     QString concatOperator() const;
     // "IsNull" on SQL Server, "IfNull" on SQLite.
     QString isNullFunction() const;
+    // A literal of text a person typed, each single quote doubled: N'...' on SQL Server, so
+    // that a database in a Persian collation keeps every letter and digit (a varchar literal
+    // would pass through code page 1256, which has no Farsi yeh and no Persian digits);
+    // '...' on SQLite.
+    QString typedText(const QString& text) const;
 
     // A write transaction serialised among clients. SQLite: "BEGIN IMMEDIATE", which waits
     // for the busy timeout (LockWaitMilliseconds) while another client writes. SQL Server:

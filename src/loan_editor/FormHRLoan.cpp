@@ -474,8 +474,9 @@ void FormHRLoan::cmdDeleteEmp_Click() {
         vb::CLng(vb::Val(LatinDigits(FlexEmployee->TextMatrix(row, members::EmployeeIdColumn))));
     // Removed at once, without asking; the reload shows what the database now holds (rows
     // added but not yet saved disappear with it).
-    loan_save::RunWrites(module_.DtEn().cnt(),
-                         {loan_sql::DeleteMember(module_.DtEn().Dialect(), loan, employee)});
+    if (!writeStored(stored_loan::Command::RemoveMember,
+                     {loan_sql::DeleteMember(module_.DtEn().Dialect(), loan, employee)}))
+        return;
     FillLoanDetail(loan);
 }
 
@@ -721,14 +722,17 @@ void FormHRLoan::SaveLoan(bool isFinal) {
     if (!loan.members.isEmpty() && !overlapAccepted(loan)) return;
 
     qint32 id = -1;
-    {
+    try {
         BusyPointer busy;
         // A failure rolls everything back and leaves the window in its mode with its contents;
         // the loan's id is shown only once it is stored.
-        id = loan_save::WriteLoan(module_.DtEn().cnt(), loan,
-                                  module_.session.LoanFormMode == ModeNew
-                                      ? std::nullopt
-                                      : std::optional<qint32>(loanId()));
+        id = loan_save::WriteLoan(
+            module_.DtEn().cnt(), loan,
+            module_.session.LoanFormMode == ModeNew
+                ? std::nullopt
+                : std::optional<stored_loan::Expected>(shownLoan()));
+    } catch (const stored_loan::LoanChangedError& e) {
+        return showStoredAfterChange(e);
     }
     txtID->setText(QString::number(id));
     // The loan is stored; what follows only shows it, and a failure there is not the save's.
@@ -761,8 +765,9 @@ void FormHRLoan::cmdDelete_Click() {
     }
     lblMessage->setText(u" "_s);
     if (!txtID->text().isEmpty()) {
-        loan_save::RunWrites(module_.DtEn().cnt(),
-                             loan_save::DeleteLoan(module_.DtEn().Dialect(), loanId()));
+        if (!writeStored(stored_loan::Command::Delete,
+                         loan_save::DeleteLoan(module_.DtEn().Dialect(), loanId())))
+            return;
         // The loan is gone: the window no longer shows a stored loan.
         txtID->clear();
         module_.session.LoanFormMode = ModeEmpty;
@@ -782,8 +787,36 @@ void FormHRLoan::cmdBacktoTemp_Click() {
                             T::PaidRefusalStart + QString::number(paid) + T::PaidRefusalBackEnd);
         return;
     }
-    loan_save::RunWrites(module_.DtEn().cnt(), {loan_save::BackToTemporary(loanId())});
+    if (!writeStored(stored_loan::Command::BackToTemporary, {loan_save::BackToTemporary(loanId())}))
+        return;
     txtCode->clear();
+    DisableLockComponent();
+}
+
+stored_loan::Expected FormHRLoan::shownLoan() const {
+    return {loanId(), !txtCode->text().trimmed().isEmpty(), true};
+}
+
+bool FormHRLoan::writeStored(stored_loan::Command command, const QStringList& statements) {
+    try {
+        loan_save::RunCheckedWrites(module_.DtEn().cnt(), shownLoan(), command, statements);
+        return true;
+    } catch (const stored_loan::LoanChangedError& e) {
+        showStoredAfterChange(e);
+        return false;
+    }
+}
+
+void FormHRLoan::showStoredAfterChange(const stored_loan::LoanChangedError& e) {
+    module_.ShowMessage(WarningTitle(), e.message());
+    module_.session.LoanEditStarted = 0;
+    if (e.finding().change != stored_loan::Change::Gone) {
+        ViewPRSLoansInfo(loanId());
+        return;
+    }
+    txtID->clear();
+    Clear();
+    module_.session.LoanFormMode = ModeEmpty;
     DisableLockComponent();
 }
 

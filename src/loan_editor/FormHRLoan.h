@@ -193,6 +193,14 @@ private:
     QStringList memberIds() const;
     // cmdDeleteEmp is on exactly while editing a loan that has a member row.
     void updateDeleteEmp();
+    // The stored loan as the window shows it, for a write's re-check.
+    stored_loan::Expected shownLoan() const;
+    // Runs the statements once the stored loan is found as shown; otherwise shows what
+    // changed (showStoredAfterChange) and returns false, nothing written.
+    bool writeStored(stored_loan::Command command, const QStringList& statements);
+    // Says what another clerk changed and shows the stored loan in view mode, or empties the
+    // window when the loan is gone.
+    void showStoredAfterChange(const stored_loan::LoanChangedError& e);
 
     // The fields the term and date rules read, as the controls hold them now.
     loan::TermsFields termsFields() const;

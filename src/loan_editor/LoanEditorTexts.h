@@ -77,8 +77,17 @@ inline const QString FrameMembers = u"کارمندان و ضامنين وام"_s
 inline const QString NoMemberError = u"هيچ کارمندي مشخص نشده است."_s;
 // A count of instalments that is not a whole number is never written (%1: the count typed).
 inline const QString CountNotWholeError = u"تعداد اقساط «%1» عدد صحيح نيست؛ وام ثبت نشد."_s;
-// Saving a loan that another clerk deleted after this window loaded it.
-inline const QString LoanGoneError = u"اين وام را کاربر ديگري حذف کرده است؛ وام ثبت نشد."_s;
+// A write refused because the stored loan changed after this window showed it: what
+// changed, then what was not done.
+inline const QString ChangedGone = u"اين وام را کاربر ديگري حذف کرده است"_s;
+inline const QString ChangedFinal = u"اين وام را کاربر ديگري ثبت قطعي کرده است"_s;
+inline const QString ChangedTemporary = u"اين وام را کاربر ديگري به حالت موقت برگردانده است"_s;
+inline const QString ChangedPaid =
+    u"براي اين وام در اين فاصله در فيش هاي حقوقي (%1 عدد) کسر ثبت شده است"_s;
+inline const QString NotSaved = u"؛ تغييرات شما ثبت نشد."_s;
+inline const QString NotDeleted = u"؛ وام حذف نشد."_s;
+inline const QString NotReturned = u"؛ وام به حالت موقت برنگشت."_s;
+inline const QString MemberNotRemoved = u"؛ کارمند از وام حذف نشد."_s;
 // The overlap question: this, the number of members, then OverlapQuestionEnd.
 inline const QString OverlapQuestionStart = u"تعداد «"_s;
 inline const QString OverlapQuestionEnd =

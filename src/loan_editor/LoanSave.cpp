@@ -71,11 +71,16 @@ QString InsertHeader(const data::SqlDialect& dialect, const LoanRecord& loan) {
            dialect.dateText(loan.endDate) + u"', "_s + amount(loan.loanValue) + u")"_s;
 }
 
-QString MaxId() { return u"Select MAX(ID) as MAXID from tblHRLoan"_s; }
-
-QString LoanExists(qint32 loanId) {
-    return u"Select ID from tblHRLoan Where ID="_s + number(loanId);
+QString InsertHeaderReturningId(const data::SqlDialect& dialect, const LoanRecord& loan) {
+    if (dialect.kind() != data::DatabaseKind::SqlServer) return InsertHeader(dialect, loan);
+    return InsertHeader(dialect, loan) + u"; SELECT CAST(SCOPE_IDENTITY() AS int) AS NewID"_s;
 }
+
+QString InsertedId() {
+    return u"Select ID as NewID from tblHRLoan Where rowid = last_insert_rowid()"_s;
+}
+
+QString MaxId() { return u"Select MAX(ID) as MAXID from tblHRLoan"_s; }
 
 QStringList Writes(const data::SqlDialect& dialect, const LoanRecord& loan, qint32 loanId) {
     const QString code =
@@ -84,7 +89,7 @@ QStringList Writes(const data::SqlDialect& dialect, const LoanRecord& loan, qint
                   u"((Select MAX(x.CODE) from tblHRLoan x Where x.Code is not null), 0)+1"_s
             : u"NULL"_s;
     const QString notes =
-        loan.notes.trimmed().isEmpty() ? u"Null"_s : u"'"_s + SqlQuote(loan.notes) + u"'"_s;
+        loan.notes.trimmed().isEmpty() ? u"Null"_s : dialect.typedText(loan.notes);
     QStringList statements;
     statements << u"Update tblHRLoan"_s + u" Set TypeID = "_s + number(loan.typeId) +
                       u", Code = "_s + code + u", PaymentDate = '"_s +
@@ -126,26 +131,49 @@ void RunWrites(Connection& cnt, const QStringList& statements) {
     tx.Commit();
 }
 
-qint32 WriteLoan(Connection& cnt, const LoanRecord& loan, std::optional<qint32> loanId) {
+void RunCheckedWrites(Connection& cnt, const stored_loan::Expected& stored,
+                      stored_loan::Command command, const QStringList& statements) {
+    WriteTransaction tx(cnt, LockName());
+    stored_loan::Require(cnt, stored, command);
+    for (const QString& sql : statements) cnt.Execute(sql);
+    tx.Commit();
+}
+
+namespace {
+
+// The ID the database gave the header just inserted: the insert's own, else MAX(ID).
+qint32 insertHeader(Connection& cnt, const LoanRecord& loan) {
+    const data::SqlDialect& dialect = cnt.Dialect();
+    Recordset rs(cnt);
+    if (dialect.kind() == data::DatabaseKind::SqlServer) {
+        rs.Open(InsertHeaderReturningId(dialect, loan));
+    } else {
+        cnt.Execute(InsertHeaderReturningId(dialect, loan));
+        rs.Open(InsertedId());
+    }
+    if (rs.RecordCount() > 0 && !rs.IsNull(u"NewID"_s))
+        return vb::CLng(rs.Fields(u"NewID"_s).toDouble());
+    rs.Open(MaxId());
+    if (rs.RecordCount() > 0 && !rs.IsNull(u"MAXID"_s))
+        return vb::CLng(rs.Fields(u"MAXID"_s).toDouble());
+    return -1;
+}
+
+}  // namespace
+
+qint32 WriteLoan(Connection& cnt, const LoanRecord& loan,
+                 const std::optional<stored_loan::Expected>& stored) {
     count(loan.payBackNumber);  // a count that cannot be written stops the save here
     const data::SqlDialect& dialect = cnt.Dialect();
     WriteTransaction tx(cnt, LockName());
-    qint32 id = loanId.value_or(-1);
-    if (!loanId) {
-        cnt.Execute(InsertHeader(dialect, loan));
-        Recordset rs(cnt);
-        rs.Open(MaxId());
-        if (rs.RecordCount() > 0 && !rs.IsNull(u"MAXID"_s))
-            id = vb::CLng(rs.Fields(u"MAXID"_s).toDouble());
-        rs.Close();
+    qint32 id = -1;
+    if (stored) {
+        // Another clerk may have deleted the loan, made it final or the payroll deducted from
+        // it since the window showed it: then nothing is written.
+        stored_loan::Require(cnt, *stored, stored_loan::Command::Save);
+        id = stored->loanId;
     } else {
-        // A loan another clerk deleted since it was loaded is not written again: its member
-        // rows would belong to no loan.
-        Recordset rs(cnt);
-        rs.Open(LoanExists(id));
-        if (rs.RecordCount() == 0)
-            throw KavError(KavError::Kind::Database, editor_texts::LoanGoneError);
-        rs.Close();
+        id = insertHeader(cnt, loan);
     }
     for (const QString& sql : Writes(dialect, loan, id)) cnt.Execute(sql);
     tx.Commit();

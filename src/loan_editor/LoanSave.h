@@ -14,6 +14,7 @@
 #include <optional>
 
 #include "data/SqlDialect.h"
+#include "loan_editor/StoredLoanCheck.h"
 
 namespace kav {
 class Connection;
@@ -55,9 +56,14 @@ QString OverlapQuery(const data::SqlDialect& dialect, const LoanRecord& loan,
                      qint32 excludedLoanId);
 // New mode: the header row, then the read of its ID.
 QString InsertHeader(const data::SqlDialect& dialect, const LoanRecord& loan);
+// The insert that also gives the new row's ID (NewID): on SQL Server the insert and
+// SCOPE_IDENTITY() in one batch; on SQLite the insert alone, then InsertedId on the same
+// connection. Another program's insert at the same moment, or a trigger's, is never taken for
+// this loan.
+QString InsertHeaderReturningId(const data::SqlDialect& dialect, const LoanRecord& loan);
+QString InsertedId();
+// Read only when the database gave no ID (a key that is not an identity).
 QString MaxId();
-// Edit mode: the header row, read inside the save's transaction before anything is written.
-QString LoanExists(qint32 loanId);
 // Every mode, in order: the header update (a final save takes one more than the greatest
 // code of any loan, a temporary save clears the code), the members' delete and one insert
 // per member. Raises KavError (TypeMismatch) for a count CountSql refuses.
@@ -74,10 +80,16 @@ QString LockName();
 // Runs the statements as one serialised transaction: all of them or, when one fails,
 // none (the error is raised).
 void RunWrites(Connection& cnt, const QStringList& statements);
+// The same, once the stored loan is found as the window shows it (stored_loan::Require,
+// inside the transaction): otherwise nothing is written and LoanChangedError is raised.
+void RunCheckedWrites(Connection& cnt, const stored_loan::Expected& stored,
+                      stored_loan::Command command, const QStringList& statements);
 
-// Writes a loan as one serialised transaction and returns its ID. Without `loanId` (new
-// mode) the header is inserted and its ID read back inside the same transaction. With it, a
-// loan that is no longer there is refused (KavError, Database) and nothing is written.
-qint32 WriteLoan(Connection& cnt, const LoanRecord& loan, std::optional<qint32> loanId);
+// Writes a loan as one serialised transaction and returns its ID. Without `stored` (new
+// mode) the header is inserted and its ID read back inside the same transaction. With it, the
+// stored loan must still be as the window shows it (LoanChangedError otherwise, nothing
+// written).
+qint32 WriteLoan(Connection& cnt, const LoanRecord& loan,
+                 const std::optional<stored_loan::Expected>& stored);
 
 }  // namespace kav::loan_save

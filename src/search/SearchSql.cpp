@@ -22,8 +22,9 @@ QString AmountBound(const QString& text, const QString& box) {
     }
 }
 
-QString SearchQuery(const data::SqlDialect&, const SearchCriteria& c) {
-    // Both dialects run the suite's text as it is: SQLite reads every fragment the same way.
+QString SearchQuery(const data::SqlDialect& dialect, const SearchCriteria& c) {
+    // Both dialects run the suite's text as it is, but for the notes typed by the clerk,
+    // which SQL Server reads as Unicode text.
     QString sql =
         u"Select *, (select x.code from tblHRLoan x where x.id=loanid) as LoanCode, (select x.FirstName from tblEmployee x where x.id=EmployeeID) as FirstName, (select x.SureName from tblEmployee x where x.id=EmployeeID) as SureName from vwHRLoanData where ID >=0 "_s;
 
@@ -33,7 +34,8 @@ QString SearchQuery(const data::SqlDialect&, const SearchCriteria& c) {
         if (!c.tempSave) sql += u" and Code is Not Null"_s;
     }
     // A text of blanks passes the test and is trimmed to nothing: every row with notes.
-    if (!c.notes.isEmpty()) sql += u" and Notes like '%"_s + SqlQuote(c.notes.trimmed()) + u"%'"_s;
+    if (!c.notes.isEmpty())
+        sql += u" and Notes like "_s + dialect.typedText(u"%"_s + c.notes.trimmed() + u"%"_s);
     if (!c.loanValueFrom.isEmpty())
         sql += u" and LoanValue>="_s + AmountBound(c.loanValueFrom, T::BoxLoanValueFrom);
     if (!c.loanValueTo.isEmpty())

@@ -2,10 +2,15 @@
 
 #include <QCursor>
 #include <QGuiApplication>
+#include <QThread>
 
 namespace kav {
 
-BusyPointer::BusyPointer() : active_(qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+// Only the GUI thread owns the pointer: a statement run on another thread (a host's worker)
+// leaves it alone.
+BusyPointer::BusyPointer()
+    : active_(qobject_cast<QGuiApplication*>(QCoreApplication::instance()) &&
+              QThread::currentThread() == QCoreApplication::instance()->thread()) {
     if (active_) QGuiApplication::setOverrideCursor(Qt::WaitCursor);
 }
 

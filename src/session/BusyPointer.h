@@ -5,7 +5,8 @@
 
 namespace kav {
 
-// The busy mouse pointer while it lives (nothing without a GUI application).
+// The busy mouse pointer while it lives (nothing without a GUI application, or off its GUI
+// thread).
 class BusyPointer {
 public:
     BusyPointer();

@@ -227,3 +227,37 @@ TEST_F(AdjustmentTest, TheScheduleIsSavedThroughTheFileDialog) {
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).join(u' '), u"member.csv member.pdf"_s);
     EXPECT_TRUE(quiet());
 }
+
+// The payslip table's employee, month and amount columns are the suite's to name, and may be
+// missing: named otherwise in the settings they are read so; missing, the schedule is the plan
+// alone and says so, and the window's own writes go on.
+TEST_F(AdjustmentTest, PayslipColumnsNamedOtherwiseOrMissing) {
+    t.db.exec({u"drop table tblHRMonthlyPaiedLoan"_s,
+               u"create table tblHRMonthlyPaiedLoan (ID integer primary key, LoanID integer, "
+               "PersonID integer, Month integer, Amount numeric)"_s,
+               u"insert into tblHRMonthlyPaiedLoan (LoanID, PersonID, Month, Amount) values "
+               "(1, 1, 140201, 5000000), (1, 1, 140202, 4000000), (1, 2, 140203, 7)"_s});
+    session().PayslipColumns = {u"PersonID"_s, u"Month"_s, u"yyyymm"_s, u"Amount"_s};
+    t.module.OpenSessionConnection();
+    auto& w = open(u"1"_s, 1);
+    const controls::FlexGrid& g = *w.FlexBalance;
+    EXPECT_EQ(g.TextMatrix(2, 1) + u' ' + g.TextMatrix(2, 4), u"1402/02 4/000/000"_s);
+    EXPECT_EQ(g.TextMatrix(g.Rows() - 1, 4), u"9/000/000"_s);
+    EXPECT_TRUE(w.lblBalanceProblem->isHidden());
+
+    t.db.exec({u"drop table tblHRMonthlyPaiedLoan"_s,
+               u"create table tblHRMonthlyPaiedLoan (ID integer primary key, LoanID integer)"_s,
+               u"insert into tblHRMonthlyPaiedLoan (LoanID) values (1)"_s});
+    session().PayslipColumns = {};
+    t.module.OpenSessionConnection();
+    auto& plain = open(u"1"_s, 1);
+    EXPECT_EQ(plain.lblBalanceProblem->text(),
+              u"ستون‌هاي کارمند، ماه و مبلغ فيش حقوقي (EmployeeID، PayMonth، PaidValue) در جدول "
+              "tblHRMonthlyPaiedLoan نيست؛ فقط مبالغ برنامه‌ريزي شده نشان داده مي‌شود."_s);
+    // The plan with its adjustment, two months past the settlement; no payslip amounts.
+    EXPECT_EQ(plain.FlexBalance->Rows(), 1 + 14 + 1);
+    EXPECT_EQ(plain.FlexBalance->TextMatrix(2, 4), QString());
+    enterNew(u"1402/05/01"_s, u"1402/06/31"_s, u"1000000"_s);
+    EXPECT_EQ(status(), u"mode 0, 3 stored"_s);
+    EXPECT_TRUE(quiet()) << t.messages->texts().join(u'\n').toStdString();
+}

@@ -4,6 +4,7 @@
 
 #include "AdjustmentFixture.h"
 #include "adjustments/AdjustmentSql.h"
+#include "adjustments/ScheduleSource.h"
 #include "support/TsqlCheck.h"
 
 using namespace Qt::StringLiterals;
@@ -120,7 +121,11 @@ TEST(AdjustmentSql, SqlServerTextsAreTheSuitesTexts) {
               u"delete tblHRLoanException where ID=7 and EmployeeID=12"_s);
     CheckedTsql(S::LoanHeader(3));  // the schedule's own reads parse as T-SQL too
     CheckedTsql(S::MemberAdjustments(3, 12));
-    CheckedTsql(S::MemberPayslips(3, 12));
+    // The payslip rows with the office's column names.
+    data::PayslipColumns named;
+    named.employee = u"PersonID"_s;
+    EXPECT_EQ(CheckedTsql(schedule::MemberPayslipsQuery(named, 3, 12)),
+              u"Select * from tblHRMonthlyPaiedLoan where LoanID=3 and PersonID=12"_s);
 }
 
 TEST(AdjustmentSql, ListQueryForEveryFilterCombination) {

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <QDateTime>
+#include <QSettings>
+#include <QTemporaryDir>
 
 #include "base/Errors.h"
+#include "data/PayslipColumns.h"
 #include "data/Procedures.h"
 #include "data/SqlDialect.h"
 #include "support/Raises.h"
@@ -30,6 +33,35 @@ TEST(SqlDialect, DiffersOnlyWhereSqliteCannotRunTheTsql) {
               u"delete tblHRLoan/delete from tblHRLoan"_s);
     EXPECT_EQ(kServer.concatOperator() + kServer.isNullFunction(), u"+IsNull"_s);
     EXPECT_EQ(kLite.concatOperator() + kLite.isNullFunction(), u"||IfNull"_s);
+    EXPECT_EQ(kServer.typedText(u"O'B \u06CC"_s) + u' ' + kLite.typedText(u"O'B \u06CC"_s),
+              u"N'O''B \u06CC' 'O''B \u06CC'"_s);
+}
+
+TEST(PayslipColumns, NamesRoundTripThroughTheSettingsAndMonthsReadInTheirForm) {
+    QTemporaryDir dir;
+    QSettings settings(dir.filePath(u"s.conf"_s), QSettings::IniFormat);
+    const PayslipColumns named{u"PersonID"_s, u"Month"_s, u"yyyy-mm"_s, u"Amount"_s};
+    named.Store(settings);
+    EXPECT_EQ(PayslipColumns::FromSettings(settings), named);
+    PayslipColumns{}.Store(settings);  // the defaults keep nothing
+    EXPECT_EQ(settings.allKeys(), QStringList());
+    for (const auto& [key, value] : {std::pair{u"MonthForm"_s, u"mm/yy"_s},
+                                     std::pair{u"PaidColumn"_s, u"Paid; drop table x"_s}}) {
+        settings.setValue(u"Payslip/"_s + key, value);
+        EXPECT_EQ(kav::test::RaisedKind([&] { PayslipColumns::FromSettings(settings); }),
+                  KavError::Kind::Usage);
+        settings.remove(u"Payslip/"_s + key);
+    }
+
+    const int mehr1403 = 1403 * 12 + 6;
+    const PayslipColumns slash, number{{}, {}, u"yyyymm"_s, {}};
+    for (const QVariant& v : {QVariant(u"1403/07"_s), QVariant(u"۱۴۰۳/۰۷"_s),
+                              QVariant(u"1403/07/15"_s)})
+        EXPECT_EQ(slash.MonthNumber(v), mehr1403) << v.toString().toStdString();
+    EXPECT_EQ(number.MonthNumber(140307), mehr1403);
+    for (const QVariant& v : {QVariant(u"1403/13"_s), QVariant(u"140307"_s), QVariant()})
+        EXPECT_EQ(slash.MonthNumber(v), std::nullopt) << v.toString().toStdString();
+    EXPECT_EQ(number.MonthText(mehr1403) + u' ' + named.MonthText(mehr1403), u"140307 1403-07"_s);
 }
 
 TEST(SqlDialect, ReadsDatesBackFromEveryDriverShape) {

@@ -37,7 +37,8 @@ qint64 number(Connection& cnt, const QString& sql) {
     qint64 newLoans = number(cnt, u"select count(*) as n from tblHRLoan where ID > 1"_s);
     say(u"ready"_s);
     for (;;) {
-        loan_save::WriteLoan(cnt, reliability::LargeLoanVersion(++version, members), qint32(1));
+        loan_save::WriteLoan(cnt, reliability::LargeLoanVersion(++version, members),
+                            stored_loan::Expected{1, std::nullopt, true});
         say(u"saved %1"_s.arg(version));
         loan_save::WriteLoan(cnt, reliability::NewLoan(++newLoans, members), std::nullopt);
         say(u"new %1"_s.arg(newLoans));

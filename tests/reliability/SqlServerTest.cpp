@@ -157,7 +157,8 @@ TEST_F(SqlServer, TheDataLayerReadsWritesCallsTheProceduresAndSearches) {
 
     const QStringList ids = column(u"select ID as v from tblEmployee order by ID"_s);
     loan_save::LoanRecord quoted = TaggedLoan(1, 1, 0), other = TaggedLoan(1, 2, 0);
-    quoted.notes = u"وام 'ويژه'"_s;
+    // Typed on a Persian keyboard: the Farsi yeh, Persian and Arabic-Indic digits, a quote.
+    quoted.notes = u"وام 'ويژه' \u06A9\u0627\u0631\u0645\u0646\u062F\u06CC \u06F1\u06F4\u06F0\u06F3 \u0663\u0662"_s;
     quoted.loanValue = u"12500000"_s;
     quoted.members = {{ids[0], {ids[1], u"null"_s, u"null"_s}}};
     other.isFinal = false;
@@ -165,8 +166,11 @@ TEST_F(SqlServer, TheDataLayerReadsWritesCallsTheProceduresAndSearches) {
     const qint32 found = loan_save::WriteLoan(cnt(), quoted, {});
     loan_save::WriteLoan(cnt(), other, {});
 
+    EXPECT_EQ(column(u"select Notes as v from tblHRLoan where ID=%1"_s.arg(found)),
+              QStringList{quoted.notes});
+
     search::SearchCriteria c;
-    c.notes = u"'ويژه'"_s;
+    c.notes = u"'ويژه' \u06A9\u0627\u0631\u0645\u0646\u062F\u06CC \u06F1\u06F4"_s;
     c.loanValueFrom = u"۱۰۰۰"_s;
     c.tempSave = false;
     c.supporterId = ids[1].toInt();
@@ -190,9 +194,21 @@ TEST_F(SqlServer, SavingAndDeletingWriteAllOrNothingAndNumberInOrder) {
             first)),
         (QStringList{u"1000"_s, u"1001"_s}));
     quoted.isFinal = false;
-    loan_save::WriteLoan(cnt(), quoted, first);
+    loan_save::WriteLoan(cnt(), quoted, stored_loan::Expected{first, std::nullopt, true});
     EXPECT_EQ(column(u"select Code as v from tblHRLoan where ID=%1"_s.arg(first)),
               QStringList{u"<null>"_s});
+
+    // Another program inserting a loan row at the same moment (a trigger here) never hands
+    // the save its row.
+    cnt().Execute(
+        u"CREATE TRIGGER twin ON tblHRLoan AFTER INSERT AS IF NOT EXISTS (SELECT 1 FROM inserted "
+        "WHERE Notes = N'other') INSERT INTO tblHRLoan (TypeID, Notes) VALUES (1, N'other');"_s);
+    const qint32 third = loan_save::WriteLoan(cnt(), TaggedLoan(4, 1, 1), {});
+    EXPECT_EQ(column(u"select Notes as v from tblHRLoan where ID=%1"_s.arg(third)),
+              QStringList{u"4:1"_s});
+    cnt().Execute(u"DROP TRIGGER twin"_s);
+    loan_save::RunWrites(cnt(), {u"delete tblHRLoanDetail where LoanID=%1"_s.arg(third),
+                                 u"delete tblHRLoan where ID >= %1"_s.arg(third)});
 
     // A member insert the server refuses: the new header goes too.
     cnt().Execute(

@@ -250,21 +250,26 @@ TEST(SearchQuery, EveryCriterionAddsItsFragmentInItsOrder) {
     EXPECT_EQ(
         CheckedTsql(search::SearchQuery(kServer, all)),
         kBase +
-            u" and Code is Not Null and Notes like '%وام%' and LoanValue>=100 and LoanValue<=900 and TypeID=2 and EmployeeID=4 and (SupporterEmployeeID1=1 OR SupporterEmployeeID2=1 OR SupporterEmployeeID3=1 ) and FarsiPaymentDate>='1401/01/01'  and FarsiPaymentDate<='1401/12/29'   and FarsiBeginDate>='1401/02/01'  and FarsiBeginDate<='1401/02/31'  and FarsiEndDate>='1402/01/01'  and FarsiEndDate<='1402/12/29'  and MonthlyValue>=10 and MonthlyValue<=20.75"_s);
-    // Single criteria with the inputs that need care; SQLite gets the same text.
-    const std::pair<SearchCriteria, QString> single[] = {
-        {{}, u""_s},
-        {{.finalSave = false}, u" and Code is Null"_s},
-        {{.tempSave = false, .finalSave = false}, u" and Code is Null and Code is Not Null"_s},
-        {{.notes = u"   "_s}, u" and Notes like '%%'"_s},
-        {{.notes = u"  'ويژه' "_s}, u" and Notes like '%''ويژه''%'"_s},
-        {{.loanValueTo = u"۲۵۰۰۰۰۰"_s}, u" and LoanValue<=2500000"_s},
-        {{.perMonthTo = u"1,250,000"_s}, u" and MonthlyValue<=1250000"_s},
+            u" and Code is Not Null and Notes like N'%وام%' and LoanValue>=100 and LoanValue<=900 and TypeID=2 and EmployeeID=4 and (SupporterEmployeeID1=1 OR SupporterEmployeeID2=1 OR SupporterEmployeeID3=1 ) and FarsiPaymentDate>='1401/01/01'  and FarsiPaymentDate<='1401/12/29'   and FarsiBeginDate>='1401/02/01'  and FarsiBeginDate<='1401/02/31'  and FarsiEndDate>='1402/01/01'  and FarsiEndDate<='1402/12/29'  and MonthlyValue>=10 and MonthlyValue<=20.75"_s);
+    // Single criteria with the inputs that need care; SQLite gets the same text but for the
+    // typed notes, which SQL Server reads as Unicode text.
+    const std::tuple<SearchCriteria, QString, QString> single[] = {
+        {{}, u""_s, u""_s},
+        {{.finalSave = false}, u" and Code is Null"_s, u" and Code is Null"_s},
+        {{.tempSave = false, .finalSave = false}, u" and Code is Null and Code is Not Null"_s,
+         u" and Code is Null and Code is Not Null"_s},
+        {{.notes = u"   "_s}, u" and Notes like N'%%'"_s, u" and Notes like '%%'"_s},
+        {{.notes = u"  'ويژه' \u06CC\u06F1\u0663"_s},
+         u" and Notes like N'%''ويژه'' \u06CC\u06F1\u0663%'"_s,
+         u" and Notes like '%''ويژه'' \u06CC\u06F1\u0663%'"_s},
+        {{.loanValueTo = u"۲۵۰۰۰۰۰"_s}, u" and LoanValue<=2500000"_s, u" and LoanValue<=2500000"_s},
+        {{.perMonthTo = u"1,250,000"_s}, u" and MonthlyValue<=1250000"_s,
+         u" and MonthlyValue<=1250000"_s},
     };
-    for (const auto& [criteria, fragments] : single) {
-        EXPECT_EQ(CheckedTsql(search::SearchQuery(kServer, criteria)), kBase + fragments);
+    for (const auto& [criteria, server, sqlite] : single) {
+        EXPECT_EQ(CheckedTsql(search::SearchQuery(kServer, criteria)), kBase + server);
         EXPECT_EQ(search::SearchQuery(data::SqlDialect(data::DatabaseKind::SQLite), criteria),
-                  kBase + fragments);
+                  kBase + sqlite);
     }
     // An amount that is no number stops with a message naming its box.
     const std::pair<SearchCriteria, QString> bad[] = {

@@ -22,12 +22,14 @@
 #include "controls/FlexGrid.h"
 #include "controls/VarekCurrency.h"
 #include "controls/VarekDate.h"
+#include "loan_editor/FinalSaveChecks.h"
 #include "loan_editor/FormHREmployee.h"
 #include "loan_editor/LoanDates.h"
 #include "loan_editor/LoanEditorSql.h"
 #include "loan_editor/LoanEditorTexts.h"
 #include "loan_editor/LoanMembers.h"
 #include "loan_editor/LoanModes.h"
+#include "loan_editor/LoanStatusBar.h"
 #include "loan_editor/LoanTerms.h"
 #include "session/Module.h"
 #include "session/TextProcs.h"
@@ -74,6 +76,7 @@ void FormHRLoan::buildControls() {
 
     gtpTempDate = Named(new VarekDate(this), u"gtpTempDate"_s);
     gtpTempDate->hide();
+    stbLoan = Named(new LoanStatusBar(this), u"stbLoan"_s);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(lblMessage);
@@ -81,6 +84,7 @@ void FormHRLoan::buildControls() {
     layout->addWidget(members, 1);
     layout->addLayout(commands);
     layout->addWidget(gtpTempDate);
+    layout->addWidget(stbLoan);
 
     Timer1 = new QTimer(this);
     Timer1->setObjectName(u"Timer1"_s);
@@ -476,6 +480,7 @@ void FormHRLoan::cmdDeleteEmp_Click() {
     // added but not yet saved disappear with it).
     loan_save::RunWrites(module_.DtEn().cnt(),
                          {loan_sql::DeleteMember(module_.DtEn().Dialect(), loan, employee)});
+    stbLoan->MemberRemoved(loan, txtCode->text(), FlexEmployee->TextMatrix(row, 3));
     FillLoanDetail(loan);
 }
 
@@ -565,6 +570,7 @@ void FormHRLoan::DisableLockComponent() {
     const qint32 mode = module_.session.LoanFormMode;
     if (mode < 0 || mode > 3) return;
     setWindowTitle(loan_modes::EditorTitle(mode));
+    stbLoan->ShowMode(mode);
     modes::Apply(*this, loan_modes::EditorTable(), mode, txtCode->text());
 }
 
@@ -718,6 +724,7 @@ void FormHRLoan::SaveLoan(bool isFinal) {
         module_.ShowMessage(ErrorTitle(), T::CountNotWholeError.arg(loan.payBackNumber.trimmed()));
         return;
     }
+    if (isFinal && !final_checks::Confirmed(module_, loan, txtRem->Value())) return;
     if (!loan.members.isEmpty() && !overlapAccepted(loan)) return;
 
     qint32 id = -1;
@@ -743,6 +750,7 @@ void FormHRLoan::SaveLoan(bool isFinal) {
     } catch (...) {
     }
     module_.session.LoanEditStarted = 0;
+    stbLoan->Saved(isFinal, id, txtCode->text());
 }
 
 void FormHRLoan::cmdDelete_Click() {
@@ -763,6 +771,7 @@ void FormHRLoan::cmdDelete_Click() {
     if (!txtID->text().isEmpty()) {
         loan_save::RunWrites(module_.DtEn().cnt(),
                              loan_save::DeleteLoan(module_.DtEn().Dialect(), loanId()));
+        stbLoan->Deleted(loanId(), txtCode->text());
         // The loan is gone: the window no longer shows a stored loan.
         txtID->clear();
         module_.session.LoanFormMode = ModeEmpty;
@@ -783,6 +792,7 @@ void FormHRLoan::cmdBacktoTemp_Click() {
         return;
     }
     loan_save::RunWrites(module_.DtEn().cnt(), {loan_save::BackToTemporary(loanId())});
+    stbLoan->ReturnedToTemporary(loanId(), txtCode->text());
     txtCode->clear();
     DisableLockComponent();
 }

@@ -103,10 +103,10 @@ DatabaseFacts ReadFacts(Connection& cnt, const loan_save::LoanRecord& loan) {
     rs.Open(PeopleQuery(cnt.Dialect(), ids));
     for (rs.MoveFirst(); !rs.EOF_(); rs.MoveNext()) {
         const QVariant status = rs.Fields(u"WorkStatusID"_s);
-        facts.people.insert(rs.Fields(u"ID"_s).toLongLong(),
-                            Person{FieldText(rs.Fields(u"EmployeeName"_s)),
-                                   FieldText(rs.Fields(u"Code"_s)),
-                                   !status.isNull() && status.toLongLong() == 3});
+        facts.people.insert(
+            rs.Fields(u"ID"_s).toLongLong(),
+            Person{FieldText(rs.Fields(u"EmployeeName"_s)), FieldText(rs.Fields(u"Code"_s)),
+                   !status.isNull() && status.toLongLong() == 3});
     }
     rs.Close();
     return facts;
@@ -126,7 +126,7 @@ QStringList Problems(const loan_save::LoanRecord& loan, const QString& remainder
         const auto total = instalmentsPlusRemainder(count, instalment, amountOf(remainder));
         if (!total || *total != amount.raw())
             lines << u"جمع اقساط و مانده (%1) با مبلغ وام (%2) برابر نيست."_s.arg(
-                         total ? shown(vb::Currency::fromRaw(*total)) : u"?"_s, shown(amount));
+                total ? shown(vb::Currency::fromRaw(*total)) : u"?"_s, shown(amount));
     }
     if (countText && count == 0) lines << u"تعداد اقساط مشخص نشده يا صفر است."_s;
     const bool hasBegin = !loan.farsiBeginDate.trimmed().isEmpty();
@@ -134,36 +134,40 @@ QStringList Problems(const loan_save::LoanRecord& loan, const QString& remainder
     if (hasBegin && count > 0) {
         const QString end = derivedEndDate(count, loan.farsiBeginDate);
         if (!end.isEmpty() && end != loan.farsiEndDate)
-            lines << u"تاريخ تسويه (%1) با تعداد اقساط مطابقت ندارد: %2 قسط از %3 تا %4 است."_s
-                         .arg(loan.farsiEndDate, QString::number(count), loan.farsiBeginDate, end);
+            lines << u"تاريخ تسويه (%1) با تعداد اقساط مطابقت ندارد: %2 قسط از %3 تا %4 است."_s.arg(
+                loan.farsiEndDate, QString::number(count), loan.farsiBeginDate, end);
     }
     if (hasBegin && !loan.farsiPayDate.trimmed().isEmpty() &&
         loan.farsiPayDate > loan.farsiBeginDate)
         lines << u"تاريخ پرداخت (%1) بعد از تاريخ شروع قسط (%2) است."_s.arg(loan.farsiPayDate,
-                                                                             loan.farsiBeginDate);
+                                                                            loan.farsiBeginDate);
     if (!facts.ceiling.isNull()) {
         const vb::Currency ceiling = vb::Currency::fromDouble(facts.ceiling.toDouble());
         if (amount > ceiling)
             lines << u"مبلغ وام (%1) از سقف اين نوع وام (%2) بيشتر است."_s.arg(shown(amount),
-                                                                              shown(ceiling));
+                                                                               shown(ceiling));
     }
 
     const Namer name(facts);
     QStringList selfGuaranteed, doubleGuarantors, left;
     for (const loan_save::MemberRow& m : loan.members) {
         const std::optional<qint64> member = idOf(m.employeeId);
-        QSet<qint64> seen;
+        QSet<qint64> seen, repeated;
         bool guaranteesHimself = false;
         for (const QString& cell : m.guarantors) {
             const std::optional<qint64> g = idOf(cell);
             if (!g) continue;
             if (g == member) guaranteesHimself = true;
-            if (seen.contains(*g))
+            // One line for a guarantor named twice or three times.
+            if (seen.contains(*g) && !repeated.contains(*g)) {
+                repeated.insert(*g);
                 doubleGuarantors << u"%1 دو بار ضامن کارمند %2 است."_s.arg(name(cell),
-                                                                         name(m.employeeId));
+                                                                           name(m.employeeId));
+            }
             seen.insert(*g);
         }
-        if (guaranteesHimself) selfGuaranteed << u"کارمند %1 ضامن خودش است."_s.arg(name(m.employeeId));
+        if (guaranteesHimself)
+            selfGuaranteed << u"کارمند %1 ضامن خودش است."_s.arg(name(m.employeeId));
         if (member && facts.people.value(*member).hasLeft)
             left << u"کارمند %1 ترک کار کرده است."_s.arg(name(m.employeeId));
     }

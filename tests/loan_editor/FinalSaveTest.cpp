@@ -13,7 +13,8 @@ using namespace kav::test;
 
 TEST(FinalSaveChecksSql, SqlServerTextOfTheMembersAndGuarantors) {
     loan_save::LoanRecord loan;
-    loan.members = {{u"12"_s, {u"40"_s, u"12"_s, u"null"_s}}, {u"۴۰"_s, {u"7"_s, u""_s, u"null"_s}}};
+    loan.members = {{u"12"_s, {u"40"_s, u"12"_s, u"null"_s}},
+                    {u"۴۰"_s, {u"7"_s, u""_s, u"null"_s}}};
     EXPECT_EQ(
         CheckedTsql(final_checks::PeopleQuery(data::SqlDialect(data::DatabaseKind::SqlServer),
                                               final_checks::PeopleIds(loan))),
@@ -33,11 +34,11 @@ protected:
     // What the window shows, and what its status bar says.
     QString windowState() {
         auto& w = editor();
-        return QStringList{QString::number(mode()), w.txtCode->text(), w.txtLoanValue->Text(),
-                           w.TxtPerMonth->Text(), w.txtPayBackNumber->text(), w.txtRem->Text(),
-                           w.datLoanPayDate->farsidate(), w.datBeginDate->farsidate(),
-                           w.datEndDate->farsidate(), MemberColumn(1).join(u','),
-                           w.stbLoan->MessageText()}
+        return QStringList{
+            QString::number(mode()),       w.txtCode->text(),           w.txtLoanValue->Text(),
+            w.TxtPerMonth->Text(),         w.txtPayBackNumber->text(),  w.txtRem->Text(),
+            w.datLoanPayDate->farsidate(), w.datBeginDate->farsidate(), w.datEndDate->farsidate(),
+            MemberColumn(1).join(u','),    w.stbLoan->MessageText()}
             .join(u'|');
     }
 };
@@ -110,14 +111,16 @@ TEST_P(FinalSaveQuestion, ListsEveryProblemOnItsOwnLineAndOnlyYesSaves) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    YesNoAndNoAnswer, FinalSaveQuestion,
-    ::testing::Combine(::testing::Range(0, int(std::size(kCases))), ::testing::Values(1, 0, 5)),
-    [](const auto& info) {
-        const int answer = std::get<1>(info.param);
-        return std::string(kCases[std::get<0>(info.param)].name) +
-               (answer == 1 ? "Yes" : answer == 0 ? "No" : "NoAnswer");
-    });
+INSTANTIATE_TEST_SUITE_P(YesNoAndNoAnswer, FinalSaveQuestion,
+                         ::testing::Combine(::testing::Range(0, int(std::size(kCases))),
+                                            ::testing::Values(1, 0, 5)),
+                         [](const auto& info) {
+                             const int answer = std::get<1>(info.param);
+                             return std::string(kCases[std::get<0>(info.param)].name) +
+                                    (answer == 1   ? "Yes"
+                                     : answer == 0 ? "No"
+                                                   : "NoAnswer");
+                         });
 
 TEST_F(EditorTest, NothingToListAsksNothingAndTemporarySavesAndNewMembersCheckNothing) {
     auto& w = editor();

@@ -9,15 +9,18 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
+#include <functional>
 
 #include "adjustments/FormHRException.h"
 #include "adjustments/FormList.h"
 #include "adjustments/ScheduleExport.h"
+#include "controls/VarekCurrency.h"
 #include "controls/VarekDate.h"
 #include "controls/ControlGallery.h"
 #include "data/DemoData.h"
 #include "host/kavHRLoan1.h"
 #include "controls/VarekSelector.h"
+#include "loan_editor/FinalSaveChecks.h"
 #include "loan_editor/FormHREmployee.h"
 #include "loan_editor/FormHRLoan.h"
 #include "search/FormSearch.h"
@@ -29,14 +32,24 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A message component that shows nothing: the screenshots must never wait for a click.
+// A message component that shows nothing, so the screenshots never wait for a click, and
+// answers every question yes; `seen` is told of each message it was asked to show.
 class SilentComponent : public kav::MessageComponent {
 public:
-    void SetFormTitle(const QVariant&) override {}
-    void SetFormMessage(const QString&) override {}
-    void SetFormType(qint16) override {}
-    void ClearShow() override {}
+    using Seen = std::function<void(const QString& title, const QString& text, qint16 type)>;
+    explicit SilentComponent(Seen seen = {}) : seen_(std::move(seen)) {}
+    void SetFormTitle(const QVariant& title) override { title_ = title.toString(); }
+    void SetFormMessage(const QString& text) override { text_ = text; }
+    void SetFormType(qint16 type) override { type_ = type; }
+    void ClearShow() override {
+        if (seen_) seen_(title_, text_, type_);
+    }
     QVariant Resualt() const override { return 1; }
+
+private:
+    Seen seen_;
+    QString title_, text_;
+    qint16 type_ = 0;
 };
 
 QStringList unwritten;
@@ -198,6 +211,35 @@ int RenderScreenshots(const QString& dir) {
         return 0;
     });
     editor.cmdSearch_Click();
+
+    // The question before a final save, as the message dialog shows it: the temporary loan with
+    // its amount changed after the count was worked out, its settlement date moved and a member
+    // who guarantees himself. Answered yes, the loan is saved and the status bar gives its number.
+    editor.ViewPRSLoansInfo(temporary);
+    editor.cmdEdit_Click();
+    module->SetModalRunner([&](QDialog& d) {
+        auto* picker = qobject_cast<kav::FormHREmployee*>(&d);
+        if (!picker || people.size() < 2) return 0;
+        picker->sltEmployeeID->setValue(people[1]);
+        picker->sltSupportEmployeeID1->setValue(people[1]);
+        picker->cmdOK->click();
+        return 0;
+    });
+    editor.cmdAddEmp_Click();
+    editor.txtLoanValue->setText(u"300000000"_s);
+    editor.datEndDate->setEnglishdate(editor.datEndDate->englishdate().addMonths(2));
+    editor.TxtPerMonth_GotFocus();
+    module->SetMessageFactory([&] {
+        return std::make_unique<SilentComponent>(
+            [&](const QString& title, const QString& text, qint16 type) {
+                if (title != kav::final_checks::QuestionTitle()) return;
+                auto dialog = kav::BuildMessageDialog(title, text, type);
+                written += save(*dialog, dir, u"final-save-question"_s);
+            });
+    });
+    editor.cmdFinSave_Click();
+    photograph(u"editor-saved-final"_s);
+    module->SetMessageFactory([] { return std::make_unique<SilentComponent>(); });
 
     auto message = kav::BuildMessageDialog(u"خطا"_s, kav::Module::RoleRefusalText(), 0);
     written += save(*message, dir, u"message"_s);

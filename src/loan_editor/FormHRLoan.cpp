@@ -22,12 +22,14 @@
 #include "controls/FlexGrid.h"
 #include "controls/VarekCurrency.h"
 #include "controls/VarekDate.h"
+#include "loan_editor/FinalSaveChecks.h"
 #include "loan_editor/FormHREmployee.h"
 #include "loan_editor/LoanDates.h"
 #include "loan_editor/LoanEditorSql.h"
 #include "loan_editor/LoanEditorTexts.h"
 #include "loan_editor/LoanMembers.h"
 #include "loan_editor/LoanModes.h"
+#include "loan_editor/LoanStatusBar.h"
 #include "loan_editor/LoanTerms.h"
 #include "session/Module.h"
 #include "session/TextProcs.h"
@@ -74,6 +76,7 @@ void FormHRLoan::buildControls() {
 
     gtpTempDate = Named(new VarekDate(this), u"gtpTempDate"_s);
     gtpTempDate->hide();
+    stbLoan = Named(new LoanStatusBar(this), u"stbLoan"_s);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(lblMessage);
@@ -81,6 +84,7 @@ void FormHRLoan::buildControls() {
     layout->addWidget(members, 1);
     layout->addLayout(commands);
     layout->addWidget(gtpTempDate);
+    layout->addWidget(stbLoan);
 
     Timer1 = new QTimer(this);
     Timer1->setObjectName(u"Timer1"_s);
@@ -477,6 +481,7 @@ void FormHRLoan::cmdDeleteEmp_Click() {
     if (!writeStored(stored_loan::Command::RemoveMember,
                      {loan_sql::DeleteMember(module_.DtEn().Dialect(), loan, employee)}))
         return;
+    stbLoan->MemberRemoved(loan, txtCode->text(), FlexEmployee->TextMatrix(row, 3));
     FillLoanDetail(loan);
 }
 
@@ -566,6 +571,7 @@ void FormHRLoan::DisableLockComponent() {
     const qint32 mode = module_.session.LoanFormMode;
     if (mode < 0 || mode > 3) return;
     setWindowTitle(loan_modes::EditorTitle(mode));
+    stbLoan->ShowMode(mode);
     modes::Apply(*this, loan_modes::EditorTable(), mode, txtCode->text());
 }
 
@@ -719,6 +725,7 @@ void FormHRLoan::SaveLoan(bool isFinal) {
         module_.ShowMessage(ErrorTitle(), T::CountNotWholeError.arg(loan.payBackNumber.trimmed()));
         return;
     }
+    if (isFinal && !final_checks::Confirmed(module_, loan, txtRem->Value())) return;
     if (!loan.members.isEmpty() && !overlapAccepted(loan)) return;
 
     qint32 id = -1;
@@ -747,6 +754,7 @@ void FormHRLoan::SaveLoan(bool isFinal) {
     } catch (...) {
     }
     module_.session.LoanEditStarted = 0;
+    stbLoan->Saved(isFinal, id, txtCode->text());
 }
 
 void FormHRLoan::cmdDelete_Click() {
@@ -768,6 +776,7 @@ void FormHRLoan::cmdDelete_Click() {
         if (!writeStored(stored_loan::Command::Delete,
                          loan_save::DeleteLoan(module_.DtEn().Dialect(), loanId())))
             return;
+        stbLoan->Deleted(loanId(), txtCode->text());
         // The loan is gone: the window no longer shows a stored loan.
         txtID->clear();
         module_.session.LoanFormMode = ModeEmpty;
@@ -789,6 +798,7 @@ void FormHRLoan::cmdBacktoTemp_Click() {
     }
     if (!writeStored(stored_loan::Command::BackToTemporary, {loan_save::BackToTemporary(loanId())}))
         return;
+    stbLoan->ReturnedToTemporary(loanId(), txtCode->text());
     txtCode->clear();
     DisableLockComponent();
 }

@@ -29,6 +29,7 @@ class QRadioButton;
 class QTimer;
 
 namespace kav {
+class LoanStatusBar;
 class Module;
 namespace controls {
 class FlexGrid;
@@ -129,6 +130,8 @@ public:
     QCheckBox* chkISValid;
     controls::FlexGrid* FlexEmployee;
     QLabel* lblMessage;
+    // The window's own status bar: mode, what the last write did, notices.
+    LoanStatusBar* stbLoan;
     QTimer* Timer1;
     QGroupBox* Frame1;
 

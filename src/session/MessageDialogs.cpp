@@ -1,6 +1,7 @@
 #include "session/MessageDialogs.h"
 
 #include <QDialogButtonBox>
+#include <QFontMetrics>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -27,9 +28,18 @@ QLabel* iconLabel(QWidget* parent, QStyle::StandardPixmap which) {
 QLabel* textLabel(QWidget* parent, const QString& text) {
     auto* label = new QLabel(text, parent);
     label->setWordWrap(true);
-    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    label->setMinimumWidth(320);
+    // The right edge, also in a right-to-left window (without AlignAbsolute it is mirrored).
+    label->setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
     label->setFont(PersianFont(11));
+    // A text of several lines is set out line by line: as wide as its longest line, within
+    // what a screen holds.
+    int widest = 0;
+    if (text.contains(u'\n')) {
+        const QFontMetrics metrics(label->font());
+        for (const QString& line : text.split(u'\n'))
+            widest = qMax(widest, metrics.horizontalAdvance(line));
+    }
+    label->setMinimumWidth(qBound(320, widest + 8, 760));
     return label;
 }
 

@@ -177,8 +177,9 @@ Encryption encryptionOf(const QList<Pair>& pairs) {
     if (v == u"false" || v == u"no" || v == u"0") return Encryption::Off;
     if (v == u"optional") return Encryption::Optional;
     if (v == u"strict") return Encryption::Strict;
-    fail(u"مقدار «%1» براي رمزنگاري (Use Encryption for Data) شناخته نيست؛ True، False، "
-         u"Optional، Mandatory يا Strict پذيرفته مي‌شود."_s.arg(given));
+    fail(
+        u"مقدار «%1» براي رمزنگاري (Use Encryption for Data) شناخته نيست؛ True، False، "
+        u"Optional، Mandatory يا Strict پذيرفته مي‌شود."_s.arg(given));
 }
 
 // "Trust Server Certificate": whether the server's certificate is taken unchecked.
@@ -189,8 +190,9 @@ std::optional<bool> trustOf(const QList<Pair>& pairs) {
     if (v.isEmpty()) return std::nullopt;
     if (v == u"true" || v == u"yes" || v == u"1") return true;
     if (v == u"false" || v == u"no" || v == u"0") return false;
-    fail(u"مقدار «%1» براي Trust Server Certificate شناخته نيست؛ True يا False پذيرفته مي‌شود."_s
-             .arg(given));
+    fail(
+        u"مقدار «%1» براي Trust Server Certificate شناخته نيست؛ True يا False پذيرفته مي‌شود."_s
+            .arg(given));
 }
 
 // "." and "(local)" (with an optional instance or port) mean this machine.
@@ -255,8 +257,10 @@ ConnectionTarget mapSqlServer(const QList<Pair>& pairs, const QStringList& insta
                 parts << u"Encryption=require"_s;
                 break;
             case Encryption::Strict:
-                fail(u"راه‌انداز %1 رمزنگاري Strict (TDS 8) را نمي‌شناسد؛ ODBC Driver 18 for SQL "
-                     u"Server را نصب کنيد يا Use Encryption for Data=Mandatory بدهيد."_s.arg(driver));
+                fail(
+                    u"راه‌انداز %1 رمزنگاري Strict (TDS 8) را نمي‌شناسد؛ ODBC Driver 18 for SQL "
+                    u"Server را نصب کنيد يا Use Encryption for Data=Mandatory بدهيد."_s.arg(
+                        driver));
         }
     } else {
         switch (encryption) {
@@ -271,8 +275,9 @@ ConnectionTarget mapSqlServer(const QList<Pair>& pairs, const QStringList& insta
                 break;
             case Encryption::Strict:
                 if (microsoftDriverVersion(driver) < 18)
-                    fail(u"رمزنگاري Strict به ODBC Driver 18 for SQL Server يا تازه‌تر نياز دارد؛ "
-                         u"راه‌انداز اين اتصال %1 است."_s.arg(driver));
+                    fail(
+                        u"رمزنگاري Strict به ODBC Driver 18 for SQL Server يا تازه‌تر نياز دارد؛ "
+                        u"راه‌انداز اين اتصال %1 است."_s.arg(driver));
                 parts << u"Encrypt=strict"_s;
                 break;
         }

@@ -53,7 +53,8 @@ TEST(ConnectionString, GivesTheQtDriverTheOdbcStringAndTheDialect) {
          u"QODBC|Driver={SQLite3};Database=/tmp/l.db;Timeout=100;NoCreat=1|L"_s},
         {u"Provider=MSDASQL;UID=u;Data Source=LocalLoans"_s, 'F',
          u"QODBC|DSN=LocalLoans;UID=u;Timeout=2500;NoCreat=1|L"_s},
-        {u"DSN=Payroll;Database=HR"_s, 'F', u"QODBC|DSN=Payroll;Database=HR;ClientCharset=UTF-8|S"_s},
+        {u"DSN=Payroll;Database=HR"_s, 'F',
+         u"QODBC|DSN=Payroll;Database=HR;ClientCharset=UTF-8|S"_s},
         {u"DSN=Other"_s, 'F', u"QODBC|DSN=Other|S"_s},
         // Encryption in each driver's words; Microsoft's 18 trusts the certificate unless
         // encryption is asked for, as the OLE DB providers did.
@@ -68,9 +69,9 @@ TEST(ConnectionString, GivesTheQtDriverTheOdbcStringAndTheDialect) {
          u"Encryption=off|S"_s},
         {u"Provider=SQLOLEDB;Data Source=db;Use Encryption for Data=True"_s, 'M',
          u"QODBC|Driver={ODBC Driver 18 for SQL Server};Server=db;Encrypt=yes|S"_s},
-        {u"Provider=MSOLEDBSQL;Data Source=db;Encrypt=Strict;Trust Server Certificate=False"_s,
-         'M', u"QODBC|Driver={ODBC Driver 18 for SQL Server};Server=db;Encrypt=strict;"
-              u"TrustServerCertificate=no|S"_s},
+        {u"Provider=MSOLEDBSQL;Data Source=db;Encrypt=Strict;Trust Server Certificate=False"_s, 'M',
+         u"QODBC|Driver={ODBC Driver 18 for SQL Server};Server=db;Encrypt=strict;"
+         u"TrustServerCertificate=no|S"_s},
         {u"Provider=SQLOLEDB;Data Source=db;Use Encryption for Data=False"_s, 'M',
          u"QODBC|Driver={ODBC Driver 18 for SQL Server};Server=db;Encrypt=no;"
          u"TrustServerCertificate=yes|S"_s},
@@ -104,22 +105,22 @@ TEST(ConnectionString, RefusesWhatItCannotMapNamingTheProblem) {
     struct Bad {
         QString oleDb, mustMention;
     };
-    for (const Bad& c : {Bad{u"0"_s, u"«0»"_s},  // the control's initial value
-                         Bad{u""_s, u"خالي"_s},
-                         Bad{u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=a.mdb"_s,
-                             u"Microsoft.Jet.OLEDB.4.0"_s},
-                         Bad{u"Provider=SQLite"_s, u"Data Source"_s},
-                         Bad{u"Provider=SQLite;Data Source="_s, u"Data Source"_s},
-                         Bad{u"Provider=SQLOLEDB;Initial Catalog=HR"_s, u"Data Source"_s},
-                         Bad{u"Data Source=.;Initial Catalog=HR"_s, u"Provider"_s},
-                         Bad{u"Provider=SQLite;Data Source='unclosed.db"_s, u"Data Source"_s},
-                         Bad{u"Provider=SQLite;garbage;Data Source=x.db"_s, u"garbage"_s},
-                         Bad{u"Provider=MSDASQL;UID=x"_s, u"Driver"_s},
-                         // Encryption a driver cannot honour is never dropped.
-                         Bad{u"Provider=MSOLEDBSQL;Data Source=db;Encrypt=strict"_s, u"Strict"_s},
-                         Bad{u"Provider=SQLOLEDB;Data Source=db;Encrypt=always"_s, u"always"_s},
-                         Bad{u"Provider=SQLOLEDB;Data Source=db;Trust Server Certificate=maybe"_s,
-                             u"maybe"_s}}) {
+    for (const Bad& c :
+         {Bad{u"0"_s, u"«0»"_s},  // the control's initial value
+          Bad{u""_s, u"خالي"_s},
+          Bad{u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=a.mdb"_s,
+              u"Microsoft.Jet.OLEDB.4.0"_s},
+          Bad{u"Provider=SQLite"_s, u"Data Source"_s},
+          Bad{u"Provider=SQLite;Data Source="_s, u"Data Source"_s},
+          Bad{u"Provider=SQLOLEDB;Initial Catalog=HR"_s, u"Data Source"_s},
+          Bad{u"Data Source=.;Initial Catalog=HR"_s, u"Provider"_s},
+          Bad{u"Provider=SQLite;Data Source='unclosed.db"_s, u"Data Source"_s},
+          Bad{u"Provider=SQLite;garbage;Data Source=x.db"_s, u"garbage"_s},
+          Bad{u"Provider=MSDASQL;UID=x"_s, u"Driver"_s},
+          // Encryption a driver cannot honour is never dropped.
+          Bad{u"Provider=MSOLEDBSQL;Data Source=db;Encrypt=strict"_s, u"Strict"_s},
+          Bad{u"Provider=SQLOLEDB;Data Source=db;Encrypt=always"_s, u"always"_s},
+          Bad{u"Provider=SQLOLEDB;Data Source=db;Trust Server Certificate=maybe"_s, u"maybe"_s}}) {
         try {
             MapConnectionString(c.oleDb, kFreeTdsOnly, {});
             ADD_FAILURE() << "accepted: " << c.oleDb.toStdString();
@@ -135,7 +136,8 @@ TEST(ConnectionString, RefusesWhatItCannotMapNamingTheProblem) {
 TEST(ConnectionString, QtIsHandedADataSourceWithoutItsKey) {
     EXPECT_EQ(QodbcDatabaseName(u"DSN=Payroll;UID=u"_s), u"Payroll;UID=u"_s);
     EXPECT_EQ(QodbcDatabaseName(u"DSN=Payroll;Server=db"_s), u"DSN=Payroll;Server=db"_s);
-    EXPECT_EQ(QodbcDatabaseName(u"Driver={SQLite3};Database=a"_s), u"Driver={SQLite3};Database=a"_s);
+    EXPECT_EQ(QodbcDatabaseName(u"Driver={SQLite3};Database=a"_s),
+              u"Driver={SQLite3};Database=a"_s);
     // Strict needs Microsoft's driver 18: 17 refuses it too.
     EXPECT_THROW(MapConnectionString(u"Provider=MSOLEDBSQL;Data Source=db;Encrypt=strict"_s,
                                      kMicrosoft.mid(0, 2), {}),

@@ -57,6 +57,12 @@ TEST(CheckDatabase, TheDemoDatabaseHasEverythingAndNothingIsWritten) {
     EXPECT_EQ(present, 35);
     EXPECT_EQ(contents(file), before);
     EXPECT_FALSE(QFile::exists(app.settingsFile()));
+    // A password of the connection string is never printed.
+    const AppOutcome secret =
+        app.run({u"--check-database"_s, u"--connection"_s, connection + u";Password=Sesame-41"_s});
+    EXPECT_EQ(secret.code, 0);
+    EXPECT_FALSE((secret.out + secret.err).contains(u"Sesame-41"_s));
+    EXPECT_TRUE(secret.out.contains(u"Password=***"_s));
 }
 
 // A database short of what the module uses, checked with the stored connection, user and

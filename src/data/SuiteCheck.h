@@ -31,23 +31,23 @@ struct CheckedObject {
     ObjectKind kind;
     // Tables and views: the columns the module reads or writes. Procedures: the columns of
     // `table` that the embedded database's emulation of the procedure uses.
-    QStringList columns;
-    // Indexes: the table they index. Procedures: the table their embedded emulation uses.
-    QString table;
-    // On SQL Server, the rights the login needs on it (tables the module writes, procedures).
-    QStringList rights;
-    // What uses those rights, as a line says when one is missing.
-    QString writtenBy;
+    QStringList columns{};
+    // What stops working, or works less, without it (or without one of its columns).
+    QString withoutIt{};
+    // Looked for whenever the module opens: without it the module does not open at all.
+    bool neededToOpen = false;
     // Without it what the Parts need does not work (missing, exit 2); otherwise less works
     // (reduced).
     bool essential = true;
     // Created by the module's own script (src/data/sqlserver/KAVHRLoan.sql) for the module,
     // never by the suite.
     bool moduleOwn = false;
-    // What stops working, or works less, without it (or without one of its columns).
-    QString withoutIt;
-    // Looked for whenever the module opens: without it the module does not open at all.
-    bool neededToOpen = false;
+    // On SQL Server, the rights the login needs on it (tables the module writes, procedures),
+    // and what uses them, as a line says when one is missing.
+    QStringList rights{};
+    QString writtenBy{};
+    // Indexes: the table they index. Procedures: the table their embedded emulation uses.
+    QString table{};
 };
 
 const QList<CheckedObject>& CheckedObjects();

@@ -1,10 +1,11 @@
 // kavhrloan: the host application. It embeds the loan control and opens the module, by
 // default on the embedded demo database as the demo user who holds every permission.
 //
-// Exit codes: 0 the window was closed (or a headless option finished); 1 a command-line
-// usage error (Qt's own); 2 the module could not start (no display, a database that does not
-// open, a stored property that cannot be read, no user for a database other than the demo, a
-// screenshot that cannot be written); 3 the user's role was refused.
+// Exit codes: 0 the window was closed (or a headless option finished, or --check-database found
+// everything the module needs); 1 a command-line usage error (Qt's own); 2 the module could
+// not start (no display, a database that does not open, a stored property that cannot be read,
+// no user for a database other than the demo, a screenshot that cannot be written), or
+// --check-database found something missing; 3 the user's role was refused.
 //
 // The settings file keeps the connection string, password and all, so only its owner may read
 // it (0600, narrowed when it was wider). A message printed or shown never holds a password.
@@ -24,6 +25,7 @@
 #include <memory>
 #include <optional>
 
+#include "CheckDatabase.h"
 #include "Screenshots.h"
 #include "base/Errors.h"
 #include "data/ConnectionString.h"
@@ -134,7 +136,7 @@ bool headlessRun(int argc, char** argv) {
         const QByteArray a(argv[i]);
         if (a.startsWith("--create-demo-db") || a.startsWith("--screenshots") || a == "--help" ||
             a == "--help-all" || a == "-h" || a == "-?" || a == "--version" || a == "-v" ||
-            a == "--reset-settings")
+            a == "--reset-settings" || a == "--check-database")
             return true;
     }
     return false;
@@ -184,7 +186,8 @@ int main(int argc, char** argv) {
         u"connection"_s,
         u"OLE DB connection string: a SQL Server provider (SQLOLEDB, SQLNCLI, MSOLEDBSQL) with "
         "Data Source, Initial Catalog, User ID, Password or Integrated Security; "
-        "\"Provider=SQLite;Data Source=FILE\"; or an ODBC string \"Driver=...;...\"."_s,
+        "\"Provider=SQLite;Data Source=FILE\"; an ODBC data source \"Provider=MSDASQL;Data "
+        "Source=DSN\" or \"DSN=...\"; or an ODBC string \"Driver=...;...\"."_s,
         u"string"_s);
     const QCommandLineOption user(u"user"_s, u"The user id (UserID)."_s, u"id"_s);
     const QCommandLineOption position(u"position"_s, u"The user's position (PositionID)."_s,
@@ -210,8 +213,15 @@ int main(int argc, char** argv) {
         u"quit-when-shown"_s,
         u"Close the loan window as soon as it has been shown (for timing the start); the run "
         "ends as if the clerk had closed it."_s);
+    const QCommandLineOption checkDatabase(
+        u"check-database"_s,
+        u"Check, without writing anything, that the database (--connection, else the stored "
+        "connection string) has every table, view, column and stored procedure the module uses, "
+        "the rights it needs and the user's permissions (--user, else the stored UserID): one "
+        "line each, then exit 0 when everything the module needs is there, else 2."_s);
     parser.addOptions({demo, connection, user, position, employee, prsEmployee, caption, view,
-                       bench, resetSettings, createDemo, screenshots, quitWhenShown});
+                       bench, resetSettings, createDemo, screenshots, quitWhenShown,
+                       checkDatabase});
     parser.process(app);
 
     try {
@@ -234,6 +244,9 @@ int main(int argc, char** argv) {
                         settings.fileName().toUtf8().constData());
             return 0;
         }
+
+        if (parser.isSet(checkDatabase))
+            return CheckDatabase(settings, kPropertyGroup, parser, connection, user);
 
         auto module = std::make_shared<kav::Module>();
         if (!onScreen())

@@ -6,8 +6,10 @@
 #include <QRegularExpression>
 #include <QSettings>
 #include <algorithm>
+#include <optional>
 
 #include "base/Errors.h"
+#include "data/SqlDialect.h"
 
 using namespace Qt::StringLiterals;
 
@@ -155,8 +157,42 @@ bool isSqlServerProvider(const QString& provider) {
 
 bool isFreeTdsDriver(const QString& driver) { return driver.contains(u"tds", Qt::CaseInsensitive); }
 
-bool isMicrosoftDriver18(const QString& driver) {
-    return driver.contains(u"ODBC Driver 18", Qt::CaseInsensitive);
+// The version of Microsoft's "ODBC Driver NN for SQL Server", 0 for any other driver.
+int microsoftDriverVersion(const QString& driver) {
+    static const QRegularExpression re(u"ODBC Driver (\\d+) for SQL Server"_s,
+                                       QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch m = re.match(driver);
+    return m.hasMatch() ? m.captured(1).toInt() : 0;
+}
+
+// What the OLE DB string asks of encryption: "Use Encryption for Data" (True/False, and
+// Optional/Mandatory/Strict of the newer providers) or "Encrypt" (yes/no and the same words).
+enum class Encryption { Unset, Off, Optional, Mandatory, Strict };
+
+Encryption encryptionOf(const QList<Pair>& pairs) {
+    const QString given = lookup(pairs, {u"encrypt", u"use encryption for data"}).trimmed();
+    const QString v = given.toLower();
+    if (v.isEmpty()) return Encryption::Unset;
+    if (v == u"true" || v == u"yes" || v == u"1" || v == u"mandatory") return Encryption::Mandatory;
+    if (v == u"false" || v == u"no" || v == u"0") return Encryption::Off;
+    if (v == u"optional") return Encryption::Optional;
+    if (v == u"strict") return Encryption::Strict;
+    fail(
+        u"مقدار «%1» براي رمزنگاري (Use Encryption for Data) شناخته نيست؛ True، False، "
+        u"Optional، Mandatory يا Strict پذيرفته مي‌شود."_s.arg(given));
+}
+
+// "Trust Server Certificate": whether the server's certificate is taken unchecked.
+std::optional<bool> trustOf(const QList<Pair>& pairs) {
+    const QString given =
+        lookup(pairs, {u"trustservercertificate", u"trust server certificate"}).trimmed();
+    const QString v = given.toLower();
+    if (v.isEmpty()) return std::nullopt;
+    if (v == u"true" || v == u"yes" || v == u"1") return true;
+    if (v == u"false" || v == u"no" || v == u"0") return false;
+    fail(
+        u"مقدار «%1» براي Trust Server Certificate شناخته نيست؛ True يا False پذيرفته مي‌شود."_s
+            .arg(given));
 }
 
 // "." and "(local)" (with an optional instance or port) mean this machine.
@@ -203,27 +239,64 @@ ConnectionTarget mapSqlServer(const QList<Pair>& pairs, const QStringList& insta
     const QString app = lookup(pairs, {u"application name", u"app"});
     if (!app.isEmpty() && !freeTds) parts << u"APP="_s + odbcValue(app);
 
+    const Encryption encryption = encryptionOf(pairs);
+    const std::optional<bool> trust = trustOf(pairs);
     if (freeTds) {
         // FreeTDS speaks 8-bit to Qt's ODBC driver; UTF-8 keeps Persian texts intact.
         parts << u"TDS_Version=7.4"_s << u"ClientCharset=UTF-8"_s;
+        switch (encryption) {
+            case Encryption::Unset:
+                break;
+            case Encryption::Off:
+                parts << u"Encryption=off"_s;
+                break;
+            case Encryption::Optional:
+                parts << u"Encryption=request"_s;
+                break;
+            case Encryption::Mandatory:
+                parts << u"Encryption=require"_s;
+                break;
+            case Encryption::Strict:
+                fail(
+                    u"راه‌انداز %1 رمزنگاري Strict (TDS 8) را نمي‌شناسد؛ ODBC Driver 18 for SQL "
+                    u"Server را نصب کنيد يا Use Encryption for Data=Mandatory بدهيد."_s.arg(
+                        driver));
+        }
     } else {
-        const QString encrypt = lookup(pairs, {u"encrypt", u"use encryption for data"});
-        if (!encrypt.isEmpty()) parts << u"Encrypt="_s + odbcValue(encrypt);
-        const QString trust =
-            lookup(pairs, {u"trustservercertificate", u"trust server certificate"});
-        if (!trust.isEmpty())
-            parts << u"TrustServerCertificate="_s + odbcValue(trust);
-        else if (isMicrosoftDriver18(driver))
+        switch (encryption) {
+            case Encryption::Unset:
+                break;
+            case Encryption::Off:
+            case Encryption::Optional:
+                parts << u"Encrypt=no"_s;
+                break;
+            case Encryption::Mandatory:
+                parts << u"Encrypt=yes"_s;
+                break;
+            case Encryption::Strict:
+                if (microsoftDriverVersion(driver) < 18)
+                    fail(
+                        u"رمزنگاري Strict به ODBC Driver 18 for SQL Server يا تازه‌تر نياز دارد؛ "
+                        u"راه‌انداز اين اتصال %1 است."_s.arg(driver));
+                parts << u"Encrypt=strict"_s;
+                break;
+        }
+        if (trust)
+            parts << (*trust ? u"TrustServerCertificate=yes"_s : u"TrustServerCertificate=no"_s);
+        else if (microsoftDriverVersion(driver) >= 18 && encryption != Encryption::Mandatory &&
+                 encryption != Encryption::Strict)
             // Driver 18 encrypts by default; the OLE DB providers the suite used did not
-            // check the server's certificate, so neither does the module unless told to.
+            // check the server's certificate unless encryption was asked for, so neither does
+            // the module.
             parts << u"TrustServerCertificate=yes"_s;
     }
     return {u"QODBC"_s, parts.join(u';'), DatabaseKind::SqlServer};
 }
 
-ConnectionTarget mapOdbc(const QList<Pair>& pairs, bool viaMsdasql) {
+ConnectionTarget mapOdbc(const QList<Pair>& pairs, bool viaMsdasql,
+                         const QHash<QString, QString>& dataSources) {
     QStringList parts;
-    QString driver;
+    QString driver, dsn;
     for (const Pair& p : pairs) {
         if (p.key == u"provider" || p.key == u"persist security info" ||
             p.key == u"extended properties")
@@ -231,8 +304,11 @@ ConnectionTarget mapOdbc(const QList<Pair>& pairs, bool viaMsdasql) {
         if (p.key == u"driver") {
             driver = p.value;
             parts << u"Driver="_s + odbcDriverValue(p.value);
-        } else if (p.key == u"data source" && viaMsdasql) {
-            parts << u"DSN="_s + odbcValue(p.value);
+        } else if ((p.key == u"data source" && viaMsdasql) || p.key == u"dsn") {
+            // The data source comes first: Qt's ODBC driver puts "DSN=" in front of a string
+            // that names neither a driver nor a server (QodbcDatabaseName).
+            dsn = p.value;
+            parts.prepend(u"DSN="_s + odbcValue(p.value));
         } else if (p.key == u"user id") {
             parts << u"UID="_s + odbcValue(p.value);
         } else if (p.key == u"password") {
@@ -245,12 +321,26 @@ ConnectionTarget mapOdbc(const QList<Pair>& pairs, bool viaMsdasql) {
             parts << p.name + u'=' + odbcValue(p.value);
         }
     }
-    const QString dsn = lookup(pairs, {u"dsn", u"data source"});
     if (driver.isEmpty() && dsn.isEmpty())
         fail(
             u"رشته اتصال ODBC نه راه‌انداز (Driver) را نام برده است و نه منبع داده (DSN) را."_s);
-    const bool sqlite = driver.contains(u"sqlite", Qt::CaseInsensitive) ||
-                        (driver.isEmpty() && dsn.contains(u"sqlite", Qt::CaseInsensitive));
+    // A data source's driver is the one its odbc.ini section names.
+    QString served = driver;
+    if (served.isEmpty())
+        for (auto it = dataSources.constBegin(); it != dataSources.constEnd(); ++it)
+            if (it.key().compare(dsn, Qt::CaseInsensitive) == 0) served = it.value();
+    const bool sqlite = served.contains(u"sqlite", Qt::CaseInsensitive) ||
+                        (served.isEmpty() && dsn.contains(u"sqlite", Qt::CaseInsensitive));
+    if (sqlite) {
+        // A busy database is waited for as long as on the embedded path (the SQLite ODBC
+        // driver waits out its Timeout twice before it reports busy), and a file that is not
+        // there is not made.
+        if (!has(pairs, {u"timeout"}))
+            parts << u"Timeout=%1"_s.arg(SqlDialect::LockWaitMilliseconds / 2);
+        if (!has(pairs, {u"nocreat"})) parts << u"NoCreat=1"_s;
+    } else if (isFreeTdsDriver(served) && !has(pairs, {u"clientcharset"})) {
+        parts << u"ClientCharset=UTF-8"_s;
+    }
     return {u"QODBC"_s, parts.join(u';'), sqlite ? DatabaseKind::SQLite : DatabaseKind::SqlServer};
 }
 
@@ -261,14 +351,8 @@ ConnectionTarget mapEmbedded(const QList<Pair>& pairs) {
     return {u"QSQLITE"_s, file, DatabaseKind::SQLite};
 }
 
-// Where unixODBC keeps its driver list: ODBCSYSINI/ODBCINSTINI when set, else what
-// "odbcinst -j" reports, else /etc/odbcinst.ini.
-QString odbcinstIniPath() {
-    const QString sysIni = qEnvironmentVariable("ODBCSYSINI");
-    const QString instIni = qEnvironmentVariable("ODBCINSTINI", u"odbcinst.ini"_s);
-    if (!sysIni.isEmpty()) return QDir(sysIni).filePath(instIni);
-
-    static const QString fromTool = [] {
+QString odbcinstReport(const char* label) {
+    static const QString report = [] {
         QProcess p;
         p.start(u"odbcinst"_s, {u"-j"_s});
         if (!p.waitForFinished(3000)) {
@@ -276,20 +360,60 @@ QString odbcinstIniPath() {
             p.waitForFinished(1000);
             return QString();
         }
-        const QString out = QString::fromLocal8Bit(p.readAllStandardOutput());
-        for (const QString& line : out.split(u'\n')) {
-            if (line.startsWith(u"DRIVERS")) {
-                const qsizetype colon = line.indexOf(u':');
-                if (colon > 0) return line.mid(colon + 1).trimmed();
-            }
-        }
-        return QString();
+        return QString::fromLocal8Bit(p.readAllStandardOutput());
     }();
-    if (!fromTool.isEmpty()) return fromTool;
-    return u"/etc/odbcinst.ini"_s;
+    for (const QString& line : report.split(u'\n')) {
+        if (line.startsWith(QLatin1StringView(label))) {
+            const qsizetype colon = line.indexOf(u':');
+            if (colon > 0) return line.mid(colon + 1).trimmed();
+        }
+    }
+    return QString();
+}
+
+// The data sources of an odbc.ini and the driver each names.
+void readDataSources(const QString& path, QHash<QString, QString>& sources) {
+    if (path.isEmpty() || !QFileInfo::exists(path)) return;
+    QSettings ini(path, QSettings::IniFormat);
+    for (const QString& group : ini.childGroups()) {
+        if (group.compare(u"ODBC", Qt::CaseInsensitive) == 0 ||
+            group.compare(u"ODBC Data Sources", Qt::CaseInsensitive) == 0)
+            continue;
+        sources.insert(group, ini.value(group + u"/Driver"_s).toString());
+    }
+}
+
+// Where unixODBC keeps its driver list: ODBCSYSINI/ODBCINSTINI when set, else what
+// "odbcinst -j" reports, else /etc/odbcinst.ini.
+QString odbcinstIniPath() {
+    const QString sysIni = qEnvironmentVariable("ODBCSYSINI");
+    const QString instIni = qEnvironmentVariable("ODBCINSTINI", u"odbcinst.ini"_s);
+    if (!sysIni.isEmpty()) return QDir(sysIni).filePath(instIni);
+    const QString fromTool = odbcinstReport("DRIVERS");
+    return fromTool.isEmpty() ? u"/etc/odbcinst.ini"_s : fromTool;
 }
 
 }  // namespace
+
+QHash<QString, QString> OdbcDataSources() {
+    // unixODBC looks in the system's odbc.ini and then the user's, which wins.
+    QHash<QString, QString> sources;
+    const QString sysIni = qEnvironmentVariable("ODBCSYSINI");
+    readDataSources(!sysIni.isEmpty() ? QDir(sysIni).filePath(u"odbc.ini"_s)
+                                      : odbcinstReport("SYSTEM DATA SOURCES"),
+                    sources);
+    const QString userIni = qEnvironmentVariable("ODBCINI");
+    readDataSources(!userIni.isEmpty() ? userIni : QDir::home().filePath(u".odbc.ini"_s), sources);
+    return sources;
+}
+
+QString QodbcDatabaseName(const QString& odbcString) {
+    if (odbcString.contains(u"DRIVER="_s, Qt::CaseInsensitive) ||
+        odbcString.contains(u"SERVER="_s, Qt::CaseInsensitive) ||
+        !odbcString.startsWith(u"DSN="_s, Qt::CaseInsensitive))
+        return odbcString;
+    return odbcString.mid(4);
+}
 
 QString ChooseSqlServerOdbcDriver(const QStringList& installedDrivers, const QString& override) {
     QString chosen = override.trimmed();
@@ -319,7 +443,8 @@ QStringList InstalledOdbcDrivers() {
 }
 
 ConnectionTarget MapConnectionString(const QString& oleDb, const QStringList& installedDrivers,
-                                     const QString& driverOverride) {
+                                     const QString& driverOverride,
+                                     const QHash<QString, QString>& dataSources) {
     const QString text = oleDb.trimmed();
     if (text == u"0")
         fail(
@@ -330,13 +455,13 @@ ConnectionTarget MapConnectionString(const QString& oleDb, const QStringList& in
     const QList<Pair> pairs = parse(text);
     const QString provider = lookup(pairs, {u"provider"}).trimmed();
     if (provider.isEmpty()) {
-        if (has(pairs, {u"driver", u"dsn"})) return mapOdbc(pairs, false);
+        if (has(pairs, {u"driver", u"dsn"})) return mapOdbc(pairs, false, dataSources);
         fail(
             u"رشته اتصال فراهم‌کننده (Provider) يا راه‌انداز ODBC (Driver) را مشخص نکرده است."_s);
     }
     if (isSqlServerProvider(provider)) return mapSqlServer(pairs, installedDrivers, driverOverride);
     if (provider.compare(u"SQLite", Qt::CaseInsensitive) == 0) return mapEmbedded(pairs);
-    if (provider.toUpper().startsWith(u"MSDASQL")) return mapOdbc(pairs, true);
+    if (provider.toUpper().startsWith(u"MSDASQL")) return mapOdbc(pairs, true, dataSources);
     fail(
         u"فراهم‌کننده «%1» در رشته اتصال شناخته نيست؛ SQLOLEDB، SQLNCLI، MSOLEDBSQL، MSDASQL "
         u"يا "
@@ -377,7 +502,7 @@ QString MaskPasswords(const QString& text, const QString& connectionString) {
 
 ConnectionTarget MapConnectionString(const QString& oleDb) {
     return MapConnectionString(oleDb, InstalledOdbcDrivers(),
-                               qEnvironmentVariable("KAVHRLOAN_ODBC_DRIVER"));
+                               qEnvironmentVariable("KAVHRLOAN_ODBC_DRIVER"), OdbcDataSources());
 }
 
 }  // namespace kav::data

@@ -76,4 +76,9 @@ QString SqlDialect::rollbackTransaction() const {
                                             : u"ROLLBACK"_s;
 }
 
+QString SqlDialect::lockTimeout() const {
+    if (kind_ == DatabaseKind::SQLite) return {};
+    return u"SET LOCK_TIMEOUT %1"_s.arg(LockWaitMilliseconds);
+}
+
 }  // namespace kav::data

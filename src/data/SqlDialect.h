@@ -51,6 +51,11 @@ public:
     // "IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION" / "ROLLBACK".
     QString rollbackTransaction() const;
 
+    // SQL Server: "SET LOCK_TIMEOUT 5000", run once per connection, so a statement that meets
+    // another client's lock waits LockWaitMilliseconds like the serialised begin; SQLite: empty
+    // (its busy wait is set on the connection).
+    QString lockTimeout() const;
+
     static constexpr int LockWaitMilliseconds = 5000;
 
 private:

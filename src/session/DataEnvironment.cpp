@@ -414,7 +414,8 @@ void Connection::Open() {
         throw KavError(KavError::Kind::Connection,
                        u"فايل پايگاه داده «%1» وجود ندارد."_s.arg(target.databaseName));
     QSqlDatabase db = QSqlDatabase::addDatabase(target.qtDriver, qtName_);
-    db.setDatabaseName(target.databaseName);
+    db.setDatabaseName(target.qtDriver == u"QODBC" ? data::QodbcDatabaseName(target.databaseName)
+                                                   : target.databaseName);
     // A client that finds the database held by another waits this long before it says so.
     if (target.qtDriver == u"QSQLITE")
         db.setConnectOptions(
@@ -446,6 +447,13 @@ void Connection::Open() {
         sqlite3_finalize(stmt);
     }
     dialect_ = std::make_unique<data::SqlDialect>(target.kind);
+    // On SQL Server a statement that meets another client's lock waits as long as a write
+    // waits for the module's own lock, then fails as busy (1222), instead of without end.
+    if (const QString wait = dialect_->lockTimeout(); !wait.isEmpty() && !sqlite_) {
+        QSqlQuery q(db);
+        if (!q.exec(wait)) qCWarning(lcSql) << wait << q.lastError().text();
+        q.finish();
+    }
 }
 
 void Connection::Close() {

@@ -91,6 +91,9 @@ TEST(SqlDialect, SerialisedTransactionTexts) {
     EXPECT_EQ(kLite.commitTransaction(), u"COMMIT"_s);
     EXPECT_EQ(kLite.rollbackTransaction(), u"ROLLBACK"_s);
     EXPECT_FALSE(kLite.beginReturnsLockResult());
+    // Any other statement that meets a lock on SQL Server waits as long, then fails as busy.
+    EXPECT_EQ(CheckedTsql(kServer.lockTimeout()), u"SET LOCK_TIMEOUT 5000"_s);
+    EXPECT_EQ(kLite.lockTimeout(), QString());
 }
 
 // The parameters in calling order (the script is compared with them) and the call texts.

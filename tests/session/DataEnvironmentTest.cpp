@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
+#include <QFile>
 #include <QGuiApplication>
 #include <QSqlQuery>
+#include <QTemporaryDir>
 #include <functional>
 #include <optional>
 
@@ -161,6 +164,52 @@ TEST(DataEnvironment, RunsThroughOdbcWithTheSqliteDriver) {
     checkStoredCommands(module, db);
     checkRollbackAndCommit(module.DtEn().cnt(), db);
     EXPECT_THROW(module.DtEn().cnt().Execute(u"delete from tblNoSuch"_s), KavError);
+}
+
+// A data source of odbc.ini (here a private one) connects under either name, with the dialect
+// of the driver it names; a database held by another client is waited for about as long as on
+// the embedded path, then reported busy in the same words.
+TEST(DataEnvironment, AnOdbcDataSourceConnectsAndWaitsForABusyDatabaseAsLongAsTheEmbeddedPath) {
+    if (!data::InstalledOdbcDrivers().contains(u"SQLite3"_s))
+        GTEST_SKIP() << "the SQLite3 ODBC driver is not installed";
+    test::TestDatabase db;
+    fillEmployees(db);
+    QTemporaryDir dir;
+    QFile ini(dir.filePath(u"odbc.ini"_s));
+    ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
+    ini.write("[Loans]\nDriver=SQLite3\nDatabase=" + db.file().toUtf8() + "\n");
+    ini.close();
+    const QByteArray old = qgetenv("ODBCINI");
+    qputenv("ODBCINI", ini.fileName().toLocal8Bit());
+    for (const QString& cs : {u"Provider=MSDASQL;Data Source=Loans"_s, u"DSN=Loans"_s}) {
+        SCOPED_TRACE(cs.toStdString());
+        Module module;
+        module.session.SessionConnectionString = cs;
+        module.OpenSessionConnection();
+        checkReading(module);
+        Connection& cnt = module.DtEn().cnt();
+        EXPECT_EQ(cnt.Kind(), data::DatabaseKind::SQLite);
+        if (cs.startsWith(u"DSN"_s)) {
+            ASSERT_TRUE(db.exec(u"BEGIN IMMEDIATE"_s));  // the other client
+            QElapsedTimer waited;
+            waited.start();
+            try {
+                cnt.BeginSerialised(u"KAVHRLoan"_s);
+                ADD_FAILURE() << "not busy";
+            } catch (const KavError& e) {
+                EXPECT_EQ(e.kind(), KavError::Kind::Busy);
+                EXPECT_TRUE(e.message().startsWith(
+                    u"پايگاه داده در اين لحظه در اختيار کاربر ديگري است؛ چند لحظه بعد دوباره تلاش "
+                    u"کنيد.\n\u2066"_s))
+                    << e.message().toStdString();
+            }
+            EXPECT_GE(waited.elapsed(), 4000);
+            EXPECT_LT(waited.elapsed(), 8000);
+            ASSERT_TRUE(db.exec(u"ROLLBACK"_s));
+            checkRollbackAndCommit(cnt, db);  // free again, and nothing was left open
+        }
+    }
+    old.isNull() ? qunsetenv("ODBCINI") : qputenv("ODBCINI", old);
 }
 
 // Closing finishes a reader left open, so another client can take the file whole; opening,

@@ -42,7 +42,12 @@ TestDatabase::~TestDatabase() {
     QSqlDatabase::removeDatabase(name_);
 }
 
-QString TestDatabase::connectionString() const { return data::EmbeddedConnectionString(file_); }
+QString TestDatabase::connectionString() const {
+    if (ThroughOdbc()) return u"Driver=SQLite3;Database="_s + file_;
+    return data::EmbeddedConnectionString(file_);
+}
+
+bool ThroughOdbc() { return qEnvironmentVariableIntValue("KAV_TEST_THROUGH_ODBC") == 1; }
 
 bool TestDatabase::exec(const QString& sql) const { return run(db_, sql).isActive(); }
 
@@ -85,6 +90,10 @@ TestModule::TestModule() {
         return 0;
     });
     module.OpenSessionConnection();
+    // A run through ODBC that fell back to the embedded path would prove nothing.
+    if (ThroughOdbc()) {
+        EXPECT_EQ(module.DtEn().cnt().Database().driverName(), u"QODBC"_s);
+    }
 }
 
 void TestModule::grant(qint16 user, std::initializer_list<qint32> permissions) {

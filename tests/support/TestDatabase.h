@@ -17,6 +17,10 @@ namespace kav::test {
 
 using Row = QVariantMap;  // column name (lower case) -> value
 
+// True in a run of the tests through the production driver path (KAV_TEST_THROUGH_ODBC=1):
+// the module reaches each test database through QODBC and the SQLite ODBC driver "SQLite3".
+bool ThroughOdbc();
+
 class TestDatabase {
 public:
     explicit TestDatabase(bool withSchema = true);
@@ -25,6 +29,8 @@ public:
     TestDatabase& operator=(const TestDatabase&) = delete;
 
     const QString& file() const { return file_; }
+    // What the module opens it with: the embedded database, or the same file through Qt's
+    // ODBC driver and the SQLite ODBC driver when the run is one through ODBC.
     QString connectionString() const;
     QSqlDatabase& db() { return db_; }
 

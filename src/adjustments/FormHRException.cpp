@@ -522,6 +522,7 @@ void FormHRException::cmdDelete_Click() {
 }
 
 void FormHRException::cmdSave_Click() {
+    if (!controls::SelectorsNameEmployees(module_, {{gmpEmployee, T::LabelEmployee}})) return;
     Session& s = module_.session;
     BusyPointer busy;
     lblMessage->clear();  // 1

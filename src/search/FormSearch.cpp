@@ -260,6 +260,10 @@ search::SearchCriteria FormSearch::Criteria() const {
 void FormSearch::cmdSearch_Click() { RefreshFlexSearchResult(); }
 
 void FormSearch::RefreshFlexSearchResult() {
+    // A selector's text that names no single employee is no criterion to drop.
+    if (!controls::SelectorsNameEmployees(
+            module_, {{sltEmployee, T::LabelEmployee}, {sltSupporter, T::LabelSupporter}}))
+        return;
     Connection& cnt = module_.DtEn().cnt();
     // A bound that is not a number stops here: nothing runs and the grid stays as it was.
     const QString sql = search::SearchQuery(cnt.Dialect(), Criteria());

@@ -17,6 +17,7 @@
 #include "SearchFixture.h"
 #include "controls/FlexGrid.h"
 #include "controls/VarekDate.h"
+#include "controls/VarekSelector.h"
 #include "search/SearchSql.h"
 #include "support/Raises.h"
 #include "support/TsqlCheck.h"
@@ -165,6 +166,31 @@ TEST_F(SearchTest, KeysOfTheCriteria) {
     f.cmdExit->setEnabled(true);
     QTest::keyClick(f.txtNotes, Qt::Key_Escape);
     EXPECT_TRUE(f.IsUnloaded());
+}
+
+// The employee box names one employee (his loans), nobody (every loan), or holds typed text
+// that names nobody: that stops the search, which says which box, and lists no other loans.
+TEST_F(SearchTest, TheEmployeeBoxNamesOneEmployeeNobodyOrStopsTheSearch) {
+    FormSearch& f = form();
+    f.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&f));
+    f.sltEmployee->setValue(4);
+    f.cmdSearch->click();
+    EXPECT_EQ(column(1), QStringList{u"1004"_s});
+    f.sltEmployee->SetFocus();
+    f.sltEmployee->lineEdit()->selectAll();
+    QTest::keyClicks(f.sltEmployee->lineEdit(), u"9999"_s);
+    f.txtNotes->setFocus();
+    f.cmdSearch->click();
+    EXPECT_EQ(Shown(), QStringList{u"هشدار: کادر «كارمند» کارمندي را مشخص نمي‌کند («9999»)؛ يک "
+                                   u"کارمند را از فهرست انتخاب کنيد يا کادر را خالي کنيد."_s});
+    EXPECT_EQ(column(1), QStringList{u"1004"_s});
+    EXPECT_TRUE(f.sltEmployee->lineEdit()->hasFocus());
+    QTest::keyClick(f.sltEmployee->lineEdit(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(f.sltEmployee->lineEdit(), Qt::Key_Delete);
+    f.txtNotes->setFocus();
+    f.cmdSearch->click();
+    EXPECT_EQ(rows().size(), 5);
 }
 
 TEST_F(SearchTest, OpensTheChosenLoanInTheEditor) {

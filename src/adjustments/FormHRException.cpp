@@ -641,6 +641,9 @@ void FormHRException::cmdList_Click() {
     Session& s = module_.session;
     if (s.LoanFormMode == ModeNew) {
         s.LoanEditStarted = 1;
+    } else if (s.LoanFormMode == ModeEdit) {
+        // An adjustment being edited stays so: the list opens nothing over it.
+        s.LoanEditStarted = 1;
     } else {
         bool hasCurrentRow = false;
         if (module_.HasWindow<FormList>()) {

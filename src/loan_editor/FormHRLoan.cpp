@@ -790,23 +790,26 @@ void FormHRLoan::cmdBacktoTemp_Click() {
 void FormHRLoan::cmdSearch_Click() { module_.port<SearchPort>().ShowSearch(); }
 
 void FormHRLoan::cmdBalance_Click() {
-    // The adjustment window shares LoanFormMode; the editor takes its own mode back when the
-    // window closes, however it closes.
+    // The adjustment window shares LoanFormMode and LoanEditStarted; the editor takes its own
+    // values back when the window closes, however it closes, so an adjustment edit ends there.
     const qint32 mode = module_.session.LoanFormMode;
+    const qint16 editStarted = module_.session.LoanEditStarted;
     qint32 employee = -1;
     if (FlexEmployee->Rows() > 1 && FlexEmployee->Row() >= 1)
         employee = vb::CLng(vb::Val(FlexEmployee->TextMatrix(FlexEmployee->Row(), 1)));
     struct RestoreMode {
         FormHRLoan& window;
         qint32 mode;
+        qint16 editStarted;
         ~RestoreMode() {
             window.module().session.LoanFormMode = mode;
+            window.module().session.LoanEditStarted = editStarted;
             try {
                 window.DisableLockComponent();
             } catch (...) {
             }
         }
-    } restore{*this, mode};
+    } restore{*this, mode, editStarted};
     module_.port<AdjustmentPort>().ShowBalance(txtID->text(), employee);
 }
 

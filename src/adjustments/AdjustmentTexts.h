@@ -75,7 +75,6 @@ inline const QString LabelPaidSoFar = u"کسر شده در فيش:"_s;
 inline const QString LabelDebt = u"مانده بدهي:"_s;
 inline const QString LabelLastMonth = u"ماه پايان بازپرداخت:"_s;
 inline const QString RowColumn = u"رديف"_s;
-inline const QString TotalsRow = u"جمع"_s;
 inline const QString NoLoan = u"وامي مشخص نشده است."_s;
 inline const QString NoMember = u"کارمندي انتخاب نشده است."_s;
 inline const QString NotAMember = u"کارمند انتخاب شده عضو اين وام نيست."_s;

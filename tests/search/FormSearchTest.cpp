@@ -119,6 +119,20 @@ TEST_F(SearchTest, SortsTextAndNumberColumnsBothWaysAlsoByAHeaderClick) {
         EXPECT_EQ(RaisedKind([&] { f.DoSort(beyond); }), KavError::Kind::Usage);
 }
 
+// The sort orders live as long as the module: the window opened again sorts on from them.
+TEST_F(SearchTest, SortOrdersOutliveTheWindow) {
+    FormSearch* first = &form();
+    first->cmdSearch->click();
+    first->DoSort(3);  // surnames ascending
+    EXPECT_EQ(column(0).join(u' '), u"5 3 1 4 2"_s);
+    first->cmdExit->click();
+    ASSERT_TRUE(first->IsUnloaded());
+    t.module.UnloadWindow<FormSearch>();
+    form().cmdSearch->click();
+    form().DoSort(3);  // descending now
+    EXPECT_EQ(column(0).join(u' '), u"2 4 1 3 5"_s);
+}
+
 // Each from-date that is equal to or later than its to-date clears the to-date, whichever of
 // the two changed.
 TEST_F(SearchTest, EqualOrLaterFromDateClearsTheToDateOfEachPair) {
@@ -131,9 +145,13 @@ TEST_F(SearchTest, EqualOrLaterFromDateClearsTheToDateOfEachPair) {
         to->setFarsidate(u"1402/05/02"_s);
         emit to->DateChanged();
         EXPECT_EQ(to->farsidate(), u"1402/05/02"_s);
-        from->setFarsidate(u"1402/05/02"_s);  // equal: cleared too
+        from->setFarsidate(u"1402/05/02"_s);  // equal: cleared too, and the status line says so
         emit from->DateChanged();
         EXPECT_TRUE(to->IsEmpty());
+        if (from == f.datPaymentDatef) {
+            EXPECT_EQ(f.lblStatus->text(), u"تاريخ پرداخت: تاريخ «تا» (1402/05/02) پاک شد، چون "
+                                           u"بايد بعد از تاريخ «از» (1402/05/02) باشد."_s);
+        }
         to->setFarsidate(u"1402/04/30"_s);
         emit to->DateChanged();
         EXPECT_TRUE(to->IsEmpty());
@@ -160,6 +178,11 @@ TEST_F(SearchTest, KeysOfTheCriteria) {
     f.txtNotes->setFocus();
     QTest::keyClick(f.txtNotes, Qt::Key_Return);
     EXPECT_EQ(gridRows().size(), 5);
+    // Enter on a focused button presses it: a new search empties the criteria, none runs.
+    f.txtNotes->setText(u"x"_s);
+    f.cmdNewSearch->setFocus();
+    QTest::keyClick(f.cmdNewSearch, Qt::Key_Return);
+    EXPECT_EQ(f.txtNotes->text() + QString::number(gridRows().size()), u"5"_s);
     f.cmdExit->setEnabled(false);
     QTest::keyClick(f.txtNotes, Qt::Key_Escape);
     EXPECT_TRUE(f.isVisible());

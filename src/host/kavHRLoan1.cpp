@@ -188,7 +188,11 @@ QVariant kavHRLoan1::View(qint32& loanId) {
         copyPropertiesToSession();
         openSessionDatabase();
         FormHRLoan& editor = module_->Window<FormHRLoan>();
-        editor.FillLoan(loanId);
+        // A loan that is not there opens no empty window in view mode.
+        if (!editor.FillLoan(loanId))
+            throw KavError(KavError::Kind::Usage,
+                           u"وامي با شماره رايانه اي %1 در پايگاه داده نيست؛ پنجره وام باز نشد."_s
+                               .arg(loanId));
         module_->session.LoanFormMode = ModeView;
         editor.DisableLockComponent();
         ShowShared<FormHRLoan>(*module_);

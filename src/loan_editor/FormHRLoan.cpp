@@ -329,10 +329,11 @@ void FormHRLoan::FillLoanTypes() {
     cmbLoanType->setCurrentIndex(-1);
 }
 
-void FormHRLoan::FillLoan(qint32 loanId) {
+bool FormHRLoan::FillLoan(qint32 loanId) {
     Recordset rs = module_.DtEn().NewRecordset();
     rs.Open(loan_sql::FillLoan(loanId));
-    if (rs.RecordCount() > 0) {
+    const bool found = rs.RecordCount() > 0;
+    if (found) {
         rs.MoveFirst();
         txtID->setText(FieldText(rs.Fields(u"ID"_s)));
         const QVariant typeId = rs.Fields(u"TypeID"_s);
@@ -356,6 +357,7 @@ void FormHRLoan::FillLoan(qint32 loanId) {
     }
     rs.Close();
     FillLoanDetail(loanId);
+    return found;
 }
 
 void FormHRLoan::setRemainderOption(const QVariant& value) {

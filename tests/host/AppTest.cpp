@@ -101,6 +101,10 @@ TEST_F(AppTest, FailedStartsExitWithTwoOrThreeAndStoreNothing) {
          3,
          u"خطا: شما فاقد نقش مورد نظر هستيد. به نگهدارنده سيستم رجوع فرمائيد."_s},
         {{u"--screenshots"_s, home.filePath(u"file/shots"_s)}, 2, u"نوشته نشد"_s},
+        // A loan the database does not hold opens no window.
+        {{u"--connection"_s, connection, u"--user"_s, u"1"_s, u"--view"_s, u"99"_s},
+         2,
+         u"kavhrloan: وامي با شماره رايانه اي 99 در پايگاه داده نيست؛ پنجره وام باز نشد.\n"_s},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.args.join(u' ').toStdString());

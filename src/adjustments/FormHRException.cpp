@@ -653,7 +653,12 @@ void FormHRException::Timer1_Timer() {
                         !gdcBalancePT->IsEmpty() && !TxtPerMonth->text().trimmed().isEmpty());
 }
 
-void FormHRException::gmpEmployee_Changed() { FillPRSBalance(gmpEmployee->Value()); }
+void FormHRException::gmpEmployee_Changed() {
+    FillPRSBalance(gmpEmployee->Value());
+    // Text that names no employee is said so, not taken for an empty box.
+    if (gmpEmployee->State() == controls::SelectorState::Unresolved)
+        showBalanceProblem(gmpEmployee->UnresolvedMessage(T::LabelEmployee));
+}
 
 // ---- The schedule's exports ----
 

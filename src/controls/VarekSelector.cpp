@@ -229,6 +229,13 @@ QString VarekSelector::UnresolvedText() const {
     return unresolved_ ? edit_->text().trimmed() : QString();
 }
 
+QString VarekSelector::UnresolvedMessage(const QString& caption) const {
+    QString name = caption.trimmed();
+    while (name.endsWith(u':')) name.chop(1);
+    while (name.startsWith(u':')) name.remove(0, 1);
+    return kUnresolvedMessage.arg(name.trimmed(), UnresolvedText());
+}
+
 // Unresolved text is marked by the box's colour and explained by its tooltip.
 void VarekSelector::setUnresolved(bool unresolved) {
     if (unresolved == unresolved_) return;
@@ -367,11 +374,7 @@ bool SelectorsNameEmployees(
     std::initializer_list<std::pair<VarekSelector*, QString>> selectorsWithCaptions) {
     for (const auto& [selector, caption] : selectorsWithCaptions) {
         if (selector->State() != SelectorState::Unresolved) continue;
-        QString name = caption.trimmed();
-        while (name.endsWith(u':')) name.chop(1);
-        while (name.startsWith(u':')) name.remove(0, 1);
-        module.ShowMessage(WarningTitle(),
-                           kUnresolvedMessage.arg(name.trimmed(), selector->UnresolvedText()));
+        module.ShowMessage(WarningTitle(), selector->UnresolvedMessage(caption));
         selector->SetFocus();
         return false;
     }

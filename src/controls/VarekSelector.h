@@ -92,6 +92,9 @@ public:
     SelectorState State() const;
     // The text left in the box while it is unresolved; empty otherwise.
     QString UnresolvedText() const;
+    // What a window says of the box while it is unresolved: that the box, named by its
+    // label's caption, names no employee, with the text.
+    QString UnresolvedMessage(const QString& caption) const;
 
     // Locked: shown normally, but the choice cannot be changed.
     void setLocked(bool locked);

@@ -52,6 +52,8 @@ inline const QString ListFormat =
 // A monthly debit that is not an amount (%1: the text typed).
 inline const QString WarnDebitNotAmount =
     u"مقدار «%1» در اقساط ماهيانه مبلغ معتبري نيست؛ فقط رقم وارد کنيد."_s;
+// The instalment box as messages name it.
+inline const QString BoxPerMonth = u"اقساط ماهيانه"_s;
 
 // The loan's terms.
 inline const QString FrameLoanInfo = u"مشخصات وام"_s;

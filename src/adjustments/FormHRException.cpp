@@ -597,7 +597,14 @@ bool FormHRException::readMonthlyDebit(std::optional<Currency>& debit) {
         TxtPerMonth->setFocus();
         return false;
     }
-    debit = vb::CCur(plain);
+    try {
+        debit = vb::CCur(plain);
+    } catch (const KavError& e) {
+        if (e.kind() != KavError::Kind::Overflow) throw;
+        warn(AmountBeyondRangeText(typed, T::BoxPerMonth));
+        TxtPerMonth->setFocus();
+        return false;
+    }
     return true;
 }
 

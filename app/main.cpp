@@ -3,9 +3,10 @@
 //
 // Exit codes: 0 the window was closed (or a headless option finished, or --check-database found
 // everything the module needs); 1 a command-line usage error (Qt's own); 2 the module could
-// not start (no display, a database that does not open, a stored property that cannot be read,
-// no user for a database other than the demo, a screenshot that cannot be written), or
-// --check-database found something missing; 3 the user's role was refused.
+// not start (no display, a database that does not open, a loan --view names that is not there,
+// a stored property that cannot be read, no user for a database other than the demo, a
+// screenshot that cannot be written), or --check-database found something missing; 3 the
+// user's role was refused.
 //
 // The settings file keeps the connection string, password and all, so only its owner may read
 // it (0600, narrowed when it was wider). A message printed or shown never holds a password.
@@ -121,6 +122,17 @@ QString demoConnection() {
     return kav::data::EmbeddedConnectionString(file);
 }
 
+// The demo database made afresh (--fresh-demo): the file and its journal go first, so the loans
+// earlier runs saved in it are gone.
+QString freshDemoConnection() {
+    const QString file = demoDatabasePath();
+    for (const QString& f : {file, file + u"-journal"_s, file + u"-wal"_s, file + u"-shm"_s})
+        if (QFileInfo::exists(f) && !QFile::remove(f))
+            throw kav::KavError(kav::KavError::Kind::Connection,
+                                u"پايگاه داده نمايشي «%1» پاک نشد؛ از نو ساخته نشد."_s.arg(f));
+    return demoConnection();
+}
+
 // A 16-bit id given on the command line; a text that is no such number names the option.
 qint16 int16Option(const QCommandLineParser& parser, const QCommandLineOption& option) {
     try {
@@ -180,8 +192,11 @@ int main(int argc, char** argv) {
     parser.addVersionOption();
     const QCommandLineOption demo(
         u"demo"_s,
-        u"Open the demo database as the demo user, whatever the stored properties say; "
-        "nothing is stored."_s);
+        u"Open the demo database as the demo user, whatever the stored properties say. The "
+        "control's properties are not stored; the loans saved stay in the demo database."_s);
+    const QCommandLineOption freshDemo(
+        u"fresh-demo"_s,
+        u"As --demo, on a demo database made afresh: what earlier runs saved in it is gone."_s);
     const QCommandLineOption connection(
         u"connection"_s,
         u"OLE DB connection string: a SQL Server provider (SQLOLEDB, SQLNCLI, MSOLEDBSQL) with "
@@ -219,10 +234,11 @@ int main(int argc, char** argv) {
         "connection string) has every table, view, column and stored procedure the module uses, "
         "the rights it needs and the user's permissions (--user, else the stored UserID): one "
         "line each, then exit 0 when everything the module needs is there, else 2."_s);
-    parser.addOptions({demo, connection, user, position, employee, prsEmployee, caption, view,
+    parser.addOptions({demo, freshDemo, connection, user, position, employee, prsEmployee, caption, view,
                        bench, resetSettings, createDemo, screenshots, quitWhenShown,
                        checkDatabase});
     parser.process(app);
+    const bool demoRun = parser.isSet(demo) || parser.isSet(freshDemo);
 
     try {
         if (parser.isSet(createDemo)) {
@@ -261,7 +277,7 @@ int main(int argc, char** argv) {
         // A stored value that cannot be read is reported only when no option replaces it.
         std::optional<kav::KavError> unreadable;
         QStringList unread;
-        if (!parser.isSet(demo)) {
+        if (!demoRun) {
             try {
                 control.ReadProperties(bag);
             } catch (const kav::KavError& e) {
@@ -274,8 +290,9 @@ int main(int argc, char** argv) {
             return parser.isSet(option);
         };
 
-        if (parser.isSet(demo)) {
-            control.setOLEConnectionstring(demoConnection());
+        if (demoRun) {
+            control.setOLEConnectionstring(parser.isSet(freshDemo) ? freshDemoConnection()
+                                                                   : demoConnection());
             control.setUserID(kav::data::DemoUserWithPermissions);
         } else {
             const QString demoDb = kav::data::EmbeddedConnectionString(demoDatabasePath());
@@ -309,8 +326,8 @@ int main(int argc, char** argv) {
                     settings.fileName()));
 
         // The properties are kept once the module has opened with them; a demo run keeps
-        // nothing, so it never replaces a real configuration.
-        const bool keep = !parser.isSet(demo);
+        // none, so it never replaces a real configuration.
+        const bool keep = !demoRun;
         if (parser.isSet(bench)) {
             control.setWindowTitle(u"kavHRLoan1"_s);
             control.show();

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds the module and opens it on the embedded demo database as the demo user, whatever
-# earlier runs stored (the demo database is made again when it is missing or empty; a demo
-# run stores nothing). Arguments, when given, go to kavhrloan instead of --demo
-# (see: bash scripts/demo.sh --help).
+# properties earlier runs stored (the demo database is made when it is missing or empty; what
+# a demo run saves stays in it until --fresh-demo makes it afresh). Arguments, when given, go
+# to kavhrloan instead of --demo (see: bash scripts/demo.sh --help).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh

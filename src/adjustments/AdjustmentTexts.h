@@ -52,6 +52,8 @@ inline const QString ListFormat =
 // A monthly debit that is not an amount (%1: the text typed).
 inline const QString WarnDebitNotAmount =
     u"مقدار «%1» در اقساط ماهيانه مبلغ معتبري نيست؛ فقط رقم وارد کنيد."_s;
+// The instalment box as messages name it.
+inline const QString BoxPerMonth = u"اقساط ماهيانه"_s;
 
 // The loan's terms.
 inline const QString FrameLoanInfo = u"مشخصات وام"_s;
@@ -75,7 +77,6 @@ inline const QString LabelPaidSoFar = u"کسر شده در فيش:"_s;
 inline const QString LabelDebt = u"مانده بدهي:"_s;
 inline const QString LabelLastMonth = u"ماه پايان بازپرداخت:"_s;
 inline const QString RowColumn = u"رديف"_s;
-inline const QString TotalsRow = u"جمع"_s;
 inline const QString NoLoan = u"وامي مشخص نشده است."_s;
 inline const QString NoMember = u"کارمندي انتخاب نشده است."_s;
 inline const QString NotAMember = u"کارمند انتخاب شده عضو اين وام نيست."_s;

@@ -58,7 +58,7 @@ qint32 idOf(const QLineEdit* box) { return vb::CLng(LatinDigits(box->text().trim
 const QString kLockName = u"KAVHRLoan"_s;
 
 // The schedule grid's columns: row number, then the schedule's own.
-constexpr int kBalanceCols = 7;
+constexpr int kBalanceCols = 8;
 
 }  // namespace
 
@@ -229,7 +229,7 @@ QWidget* FormHRException::buildBalance() {
     QStringList format{u"^"_s + T::RowColumn};
     for (const QString& title : schedule::ColumnTitles()) format << u"^"_s + title;
     FlexBalance->setFormatString(format.join(u'|'));
-    const int widths[kBalanceCols] = {600, 1100, 1700, 1700, 1700, 1800, 2400};
+    const int widths[kBalanceCols] = {600, 1100, 1700, 1700, 1700, 1700, 1800, 2400};
     for (int c = 0; c < kBalanceCols; ++c) FlexBalance->setColWidth(c, widths[c]);
     layout->addWidget(FlexBalance, 1);
 
@@ -435,25 +435,15 @@ void FormHRException::FillPRSBalance(qint32 employeeId) {
     FlexBalance->setRedraw(false);
     const int n = int(schedule_.rows.size());
     FlexBalance->setRows(n + 2);
+    // The cells the CSV and the PDF show too, after the row number.
+    const auto put = [this](int row, const QStringList& cells) {
+        for (int c = 0; c < cells.size(); ++c) FlexBalance->setTextMatrix(row, c + 1, cells[c]);
+    };
     for (int i = 0; i < n; ++i) {
-        const schedule::Row& r = schedule_.rows[i];
-        const int row = i + 1;
-        FlexBalance->setTextMatrix(row, 0, QString::number(row));
-        FlexBalance->setTextMatrix(row, 1, r.month);
-        FlexBalance->setTextMatrix(row, 2, schedule::AmountText(r.planned));
-        FlexBalance->setTextMatrix(row, 3,
-                                   r.adjustment ? schedule::AmountText(*r.adjustment) : QString());
-        FlexBalance->setTextMatrix(row, 4,
-                                   r.deducted ? schedule::AmountText(*r.deducted) : QString());
-        FlexBalance->setTextMatrix(row, 5, schedule::AmountText(r.balance));
-        FlexBalance->setTextMatrix(row, 6, schedule::RowNote(r));
+        FlexBalance->setTextMatrix(i + 1, 0, QString::number(i + 1));
+        put(i + 1, schedule::RowCells(schedule_.rows[i], true));
     }
-    const int totals = n + 1;
-    FlexBalance->setTextMatrix(totals, 1, T::TotalsRow);
-    FlexBalance->setTextMatrix(totals, 2, schedule::AmountText(schedule_.totalPlanned));
-    FlexBalance->setTextMatrix(totals, 3, schedule::AmountText(schedule_.totalAdjustment));
-    FlexBalance->setTextMatrix(totals, 4, schedule::AmountText(schedule_.totalDeducted));
-    FlexBalance->setTextMatrix(totals, 5, schedule::AmountText(schedule_.balance));
+    put(n + 1, schedule::TotalCells(schedule_, true));
     FlexBalance->setRedraw(true);
     // The month after the last payslip is where the clerk's interest lies: it becomes the
     // current row and the grid opens a little above it.
@@ -509,6 +499,7 @@ void FormHRException::cmdDelete_Click() {
 }
 
 void FormHRException::cmdSave_Click() {
+    if (!controls::SelectorsNameEmployees(module_, {{gmpEmployee, T::LabelEmployee}})) return;
     Session& s = module_.session;
     BusyPointer busy;
     lblMessage->clear();  // 1
@@ -593,7 +584,14 @@ bool FormHRException::readMonthlyDebit(std::optional<Currency>& debit) {
         TxtPerMonth->setFocus();
         return false;
     }
-    debit = vb::CCur(plain);
+    try {
+        debit = vb::CCur(plain);
+    } catch (const KavError& e) {
+        if (e.kind() != KavError::Kind::Overflow) throw;
+        warn(AmountBeyondRangeText(typed, T::BoxPerMonth));
+        TxtPerMonth->setFocus();
+        return false;
+    }
     return true;
 }
 
@@ -627,6 +625,9 @@ void FormHRException::cmdList_Click() {
     Session& s = module_.session;
     if (s.LoanFormMode == ModeNew) {
         s.LoanEditStarted = 1;
+    } else if (s.LoanFormMode == ModeEdit) {
+        // An adjustment being edited stays so: the list opens nothing over it.
+        s.LoanEditStarted = 1;
     } else {
         bool hasCurrentRow = false;
         if (module_.HasWindow<FormList>()) {
@@ -646,7 +647,12 @@ void FormHRException::Timer1_Timer() {
                         !gdcBalancePT->IsEmpty() && !TxtPerMonth->text().trimmed().isEmpty());
 }
 
-void FormHRException::gmpEmployee_Changed() { FillPRSBalance(gmpEmployee->Value()); }
+void FormHRException::gmpEmployee_Changed() {
+    FillPRSBalance(gmpEmployee->Value());
+    // Text that names no employee is said so, not taken for an empty box.
+    if (gmpEmployee->State() == controls::SelectorState::Unresolved)
+        showBalanceProblem(gmpEmployee->UnresolvedMessage(T::LabelEmployee));
+}
 
 // ---- The schedule's exports ----
 

@@ -159,6 +159,7 @@ void FormList::DoSort(int column) {
 }
 
 void FormList::cmdSearch_Click() {
+    if (!controls::SelectorsNameEmployees(module_, {{sltEmployee, T::LabelEmployee}})) return;
     FlexEmployee->setRows(1);
     FillFlex();
 }

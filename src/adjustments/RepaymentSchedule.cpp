@@ -171,11 +171,11 @@ Schedule Compute(const LoanTerms& terms, const QVector<Adjustment>& adjustments,
         }
         const auto deducted = paid.constFind(month);
         if (deducted != paid.constEnd()) row.deducted = *deducted;
-        balance = balance - (row.deducted ? *row.deducted : expected);
+        row.taken = row.deducted ? *row.deducted : expected;
+        balance = balance - row.taken;
         row.balance = balance;
 
-        s.totalPlanned = s.totalPlanned + row.planned;
-        if (row.adjustment) s.totalAdjustment = s.totalAdjustment + *row.adjustment;
+        s.totalTaken = s.totalTaken + row.taken;
         if (row.deducted) s.totalDeducted = s.totalDeducted + *row.deducted;
         s.rows.append(row);
     }

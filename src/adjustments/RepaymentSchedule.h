@@ -15,6 +15,10 @@
 // (or adjusted) amount otherwise; no month plans more than the balance before it. While a
 // balance is left after the planned months, further months at the monthly instalment follow.
 //
+// The totals sum only what adds up: what the months took from the balance and what the
+// payslips deducted. What they took plus the balance left is the loan amount; the planned
+// instalments and the adjustments have no total.
+//
 // No widget here: the window and the exports show what Compute returns.
 
 #include <QString>
@@ -53,17 +57,17 @@ struct Row {
     std::optional<vb::Currency> adjustment;  // the adjusted amount, when one is in force
     qint32 adjustmentId = -1;
     std::optional<vb::Currency> deducted;  // the payslips' amount, when the month has one
-    vb::Currency balance;                  // after the month
+    vb::Currency taken;    // what the month takes from the balance: deducted, else in force
+    vb::Currency balance;  // after the month
     bool remainderMonth = false;           // the plan holds the remainder
     bool afterSettlement = false;          // later than the loan's settlement month
 };
 
 struct Schedule {
     QVector<Row> rows;
-    vb::Currency totalPlanned;
-    vb::Currency totalAdjustment;
-    vb::Currency totalDeducted;
-    vb::Currency balance;  // after the last row (the loan amount when there is none)
+    vb::Currency totalTaken;     // the months' taken: with balance, the loan amount
+    vb::Currency totalDeducted;  // the payslips' deductions
+    vb::Currency balance;        // after the last row (the loan amount when there is none)
     // Why there is no schedule, or why it stops before the balance reaches 0; empty when the
     // schedule is whole.
     QString problem;

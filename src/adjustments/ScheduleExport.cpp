@@ -21,8 +21,8 @@ namespace kav::schedule {
 using vb::Currency;
 
 QStringList ColumnTitles() {
-    return {u"ماه"_s,  u"قسط برنامه"_s, u"تعديل"_s, u"کسر شده در فيش"_s, u"مانده پس از ماه"_s,
-            u"توضيح"_s};
+    return {u"ماه"_s,        u"قسط برنامه"_s,      u"تعديل"_s, u"کسر شده در فيش"_s,
+            u"کاهش مانده"_s, u"مانده پس از ماه"_s, u"توضيح"_s};
 }
 
 QString RowNote(const Row& row) {
@@ -34,30 +34,49 @@ QString RowNote(const Row& row) {
 
 QString AmountText(Currency amount) { return GroupDigits(amount.toString()); }
 
+namespace {
+
+QString amountCell(const std::optional<Currency>& amount, bool grouped) {
+    if (!amount) return {};
+    return grouped ? AmountText(*amount) : amount->toString();
+}
+
+}  // namespace
+
+QStringList RowCells(const Row& r, bool grouped) {
+    return {r.month,
+            amountCell(r.planned, grouped),
+            amountCell(r.adjustment, grouped),
+            amountCell(r.deducted, grouped),
+            amountCell(r.taken, grouped),
+            amountCell(r.balance, grouped),
+            RowNote(r)};
+}
+
+QStringList TotalCells(const Schedule& s, bool grouped) {
+    return {u"جمع"_s,
+            QString(),
+            QString(),
+            amountCell(s.totalDeducted, grouped),
+            amountCell(s.totalTaken, grouped),
+            amountCell(s.balance, grouped),
+            QString()};
+}
+
 QList<QStringList> CsvRows(const Schedule& s) {
     QList<QStringList> rows;
     rows.reserve(s.rows.size() + 2);
     rows << ColumnTitles();
-    for (const Row& r : s.rows)
-        rows << QStringList{r.month,
-                            r.planned.toString(),
-                            r.adjustment ? r.adjustment->toString() : QString(),
-                            r.deducted ? r.deducted->toString() : QString(),
-                            r.balance.toString(),
-                            RowNote(r)};
-    rows << QStringList{u"جمع"_s,
-                        s.totalPlanned.toString(),
-                        s.totalAdjustment.toString(),
-                        s.totalDeducted.toString(),
-                        s.balance.toString(),
-                        QString()};
+    for (const Row& r : s.rows) rows << RowCells(r, false);
+    rows << TotalCells(s, false);
     return rows;
 }
 
 namespace {
 
 // The widths of the columns, right to left, as parts of the line.
-constexpr double kColumnShares[] = {0.11, 0.17, 0.15, 0.17, 0.17, 0.23};
+constexpr double kColumnShares[] = {0.10, 0.14, 0.13, 0.14, 0.14, 0.15, 0.20};
+constexpr int kNoteColumn = 6;
 
 struct Line {
     QStringList cells;
@@ -129,7 +148,7 @@ private:
             const double width = page.width() * kColumnShares[c];
             const QRectF cell(right - width, y, width, height);
             // Centred like the window's grid; the note starts at the cell's right edge.
-            const Qt::Alignment align = (c == 5 && !titles)
+            const Qt::Alignment align = (c == kNoteColumn && !titles)
                                             ? Qt::Alignment(Qt::AlignAbsolute | Qt::AlignRight)
                                             : Qt::Alignment(Qt::AlignHCenter);
             p.drawText(cell.adjusted(pad, 0, -pad, 0), align | Qt::AlignVCenter, cells[c]);
@@ -150,13 +169,8 @@ private:
 QList<Line> lines(const Schedule& s) {
     QList<Line> out;
     out.reserve(s.rows.size() + 1);
-    for (const Row& r : s.rows)
-        out << Line{
-            {r.month, AmountText(r.planned), r.adjustment ? AmountText(*r.adjustment) : QString(),
-             r.deducted ? AmountText(*r.deducted) : QString(), AmountText(r.balance), RowNote(r)}};
-    out << Line{{u"جمع"_s, AmountText(s.totalPlanned), AmountText(s.totalAdjustment),
-                 AmountText(s.totalDeducted), AmountText(s.balance), QString()},
-                true};
+    for (const Row& r : s.rows) out << Line{RowCells(r, true)};
+    out << Line{TotalCells(s, true), true};
     return out;
 }
 

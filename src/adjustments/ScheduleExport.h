@@ -13,8 +13,14 @@
 
 namespace kav::schedule {
 
-// The column titles: month, planned, adjustment, deducted on payslips, balance, note.
+// The column titles: month, planned, adjustment, deducted on payslips, taken from the balance,
+// balance, note.
 QStringList ColumnTitles();
+// The cells of a month and of the totals row under those titles, amounts grouped by threes
+// (the window, the PDF) or plain (CSV). The totals row sums only what adds up: the payslips'
+// deductions and what the months took from the balance, beside the balance left.
+QStringList RowCells(const Row& row, bool grouped);
+QStringList TotalCells(const Schedule& schedule, bool grouped);
 // The note of a row: the remainder month, a month after the settlement date.
 QString RowNote(const Row& row);
 // An amount as the window shows it, grouped by threes.

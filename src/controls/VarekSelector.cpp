@@ -12,6 +12,8 @@
 
 #include "controls/FarsiDateText.h"
 #include "session/DataEnvironment.h"
+#include "session/Messages.h"
+#include "session/Module.h"
 #include "session/Ui.h"
 #include "session/WindowSupport.h"
 
@@ -23,6 +25,14 @@ namespace {
 
 constexpr int IdRole = Qt::UserRole + 1;
 constexpr int KeyRole = Qt::UserRole + 2;
+
+// Text that names no single employee, as the box's tooltip says and a window's message.
+const QString kUnresolvedHint =
+    u"اين متن يک کارمند را مشخص نمي\u200Cکند؛ يک کارمند را از فهرست انتخاب کنيد يا کادر را "
+    u"خالي کنيد."_s;
+const QString kUnresolvedMessage =
+    u"کادر «%1» کارمندي را مشخص نمي\u200Cکند («%2»)؛ يک کارمند را از فهرست انتخاب کنيد يا کادر "
+    u"را خالي کنيد."_s;
 
 QString displayOf(const EmployeeEntry& e) {
     if (e.code.isEmpty()) return e.name;
@@ -95,7 +105,16 @@ VarekSelector::VarekSelector(QWidget* parent) : QWidget(parent) {
 
     connect(button_, &QToolButton::clicked, this, &VarekSelector::showList);
     connect(edit_, &QLineEdit::textEdited, this, &VarekSelector::onTextEdited);
-    connect(edit_, &QLineEdit::returnPressed, this, &VarekSelector::onEditingFinished);
+    connect(edit_, &QLineEdit::returnPressed, this, [this] {
+        // With the list open on an item, that item is the choice: the list makes it.
+        QAbstractItemView* list = completer_->popup();
+        if (list->isVisible() && list->currentIndex().isValid()) return;
+        const bool listWasOpen = list->isVisible();
+        // The list closes after this Enter; text that names several opens it again then.
+        if (onEditingFinished(true) && listWasOpen)
+            QMetaObject::invokeMethod(
+                this, [this] { if (unresolved_) completer_->complete(); }, Qt::QueuedConnection);
+    });
     connect(completer_, qOverload<const QModelIndex&>(&QCompleter::activated), this,
             [this](const QModelIndex& index) { chooseByUser(index.data(IdRole).toInt()); });
 }
@@ -145,6 +164,7 @@ void VarekSelector::setEmployees(const QVector<EmployeeEntry>& employees) {
     rebuildModel();
     const EmployeeEntry* e = find(value_);
     if (!e) value_ = -1;
+    setUnresolved(false);
     show(e);
 }
 
@@ -186,6 +206,7 @@ qint32 VarekSelector::Value() const { return value_; }
 
 void VarekSelector::setValue(qint32 id) {
     value_ = id;
+    setUnresolved(false);
     if (!loaded_) return;  // checked when the list loads
     const EmployeeEntry* e = find(id);
     if (!e && id != -1 && lookUpMinor(id)) e = &extra_;
@@ -195,7 +216,39 @@ void VarekSelector::setValue(qint32 id) {
 
 void VarekSelector::Clear() {
     value_ = -1;
+    setUnresolved(false);
     show(nullptr);
+}
+
+SelectorState VarekSelector::State() const {
+    if (unresolved_) return SelectorState::Unresolved;
+    return value_ == -1 ? SelectorState::Empty : SelectorState::Employee;
+}
+
+QString VarekSelector::UnresolvedText() const {
+    return unresolved_ ? edit_->text().trimmed() : QString();
+}
+
+QString VarekSelector::UnresolvedMessage(const QString& caption) const {
+    QString name = caption.trimmed();
+    while (name.endsWith(u':')) name.chop(1);
+    while (name.startsWith(u':')) name.remove(0, 1);
+    return kUnresolvedMessage.arg(name.trimmed(), UnresolvedText());
+}
+
+// Unresolved text is marked by the box's colour and explained by its tooltip.
+void VarekSelector::setUnresolved(bool unresolved) {
+    if (unresolved == unresolved_) return;
+    unresolved_ = unresolved;
+    if (unresolved) {
+        QPalette marked = edit_->palette();
+        marked.setColor(QPalette::Base, QColor(255, 226, 226));
+        edit_->setPalette(marked);
+        edit_->setToolTip(kUnresolvedHint);
+    } else {
+        edit_->setPalette(QPalette());
+        edit_->setToolTip(QString());
+    }
 }
 
 void VarekSelector::setLocked(bool locked) {
@@ -227,6 +280,7 @@ void VarekSelector::chooseByUser(qint32 id) {
     if (!e) id = -1;
     const bool changed = id != value_;
     value_ = id;
+    setUnresolved(false);
     show(e);
     completer_->popup()->hide();
     if (changed) emit Changed();
@@ -248,14 +302,14 @@ void VarekSelector::onTextEdited(const QString& text) {
         completer_->complete();
 }
 
-void VarekSelector::onEditingFinished() {
-    if (locked_) return;
+bool VarekSelector::onEditingFinished(bool openList) {
+    if (locked_) return false;
     const QString typed = edit_->text().trimmed();
     const EmployeeEntry* current = find(value_);
-    if (current && typed == displayOf(*current)) return;
+    if (current && typed == displayOf(*current)) return false;
     if (typed.isEmpty()) {
         chooseByUser(-1);
-        return;
+        return false;
     }
     // A typed personnel code chooses its employee; otherwise the text must match exactly one
     // employee of the list.
@@ -273,10 +327,20 @@ void VarekSelector::onEditingFinished() {
             ++matches;
         }
     }
-    if (matches == 1)
+    if (matches == 1) {
         chooseByUser(match->id);
-    else
-        show(current);  // nothing or too much matches: the choice stays
+        return false;
+    }
+    // Nobody or several: the text stays, marked, and names no employee; Enter on several
+    // opens the list with just them.
+    const bool changed = value_ != -1;
+    value_ = -1;
+    setUnresolved(true);
+    if (changed) emit Changed();
+    if (!openList || matches == 0 || !isEnabled()) return false;
+    completer_->setCompletionPrefix(key);
+    completer_->complete();
+    return true;
 }
 
 bool VarekSelector::eventFilter(QObject* watched, QEvent* event) {
@@ -286,10 +350,15 @@ bool VarekSelector::eventFilter(QObject* watched, QEvent* event) {
             emit GotFocus();
         } else if (event->type() == QEvent::FocusOut &&
                    IsFieldFocusChange(*static_cast<QFocusEvent*>(event))) {
-            onEditingFinished();
+            onEditingFinished(false);
             emit LostFocus();
         } else if (event->type() == QEvent::KeyPress) {
             auto* key = static_cast<QKeyEvent*>(event);
+            // Enter that opens the list of the employees the text names goes no further: the
+            // window must not act on the box before the clerk has chosen.
+            if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) &&
+                !completer_->popup()->isVisible() && onEditingFinished(true))
+                return true;
             if (key->key() == Qt::Key_F4 ||
                 (key->key() == Qt::Key_Down && !completer_->popup()->isVisible())) {
                 showList();
@@ -298,6 +367,18 @@ bool VarekSelector::eventFilter(QObject* watched, QEvent* event) {
         }
     }
     return QWidget::eventFilter(watched, event);
+}
+
+bool SelectorsNameEmployees(
+    Module& module,
+    std::initializer_list<std::pair<VarekSelector*, QString>> selectorsWithCaptions) {
+    for (const auto& [selector, caption] : selectorsWithCaptions) {
+        if (selector->State() != SelectorState::Unresolved) continue;
+        module.ShowMessage(WarningTitle(), selector->UnresolvedMessage(caption));
+        selector->SetFocus();
+        return false;
+    }
+    return true;
 }
 
 }  // namespace kav::controls

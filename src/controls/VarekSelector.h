@@ -9,11 +9,19 @@
 // up by ID in the minor view, narrowed by Filter2; found there it is shown, otherwise the
 // selector is empty. Changed is raised only when the user chooses, changes or empties the
 // choice; setValue and Clear raise nothing.
+//
+// Typed text is never dropped: text that names nobody, or several employees, stays in the box,
+// marked, and the selector names no employee (Value() -1) but is not empty either: State()
+// says Unresolved, and a window asks SelectorsNameEmployees before it acts. Enter on text that
+// names several employees opens the list with just them.
 
 #include <QString>
 #include <QVector>
 #include <QWidget>
 #include <memory>
+
+#include <initializer_list>
+#include <utility>
 
 class QCompleter;
 class QLineEdit;
@@ -22,11 +30,19 @@ class QToolButton;
 
 namespace kav {
 class Connection;
-}
+class Module;
+}  // namespace kav
 
 namespace kav::controls {
 
 // One employee as the selector lists it.
+// What a selector names, as a window asks before it acts on it.
+enum class SelectorState {
+    Employee,    // exactly one employee: Value() is his ID
+    Empty,       // nobody, and the box is empty
+    Unresolved,  // typed text naming no employee or several; it stays in the box, marked
+};
+
 struct EmployeeEntry {
     qint32 id = -1;
     QString code;
@@ -72,6 +88,13 @@ public:
     void setValue(qint32 id);
     bool IsEmpty() const { return Value() == -1; }
     void Clear();
+    // One employee, none, or text that names no single employee (see above).
+    SelectorState State() const;
+    // The text left in the box while it is unresolved; empty otherwise.
+    QString UnresolvedText() const;
+    // What a window says of the box while it is unresolved: that the box, named by its
+    // label's caption, names no employee, with the text.
+    QString UnresolvedMessage(const QString& caption) const;
 
     // Locked: shown normally, but the choice cannot be changed.
     void setLocked(bool locked);
@@ -104,7 +127,10 @@ private:
     void show(const EmployeeEntry* entry);
     void chooseByUser(qint32 id);
     void onTextEdited(const QString& text);
-    void onEditingFinished();
+    // Reads the typed text; true when it opened (openList) the list of the several employees
+    // it names.
+    bool onEditingFinished(bool openList);
+    void setUnresolved(bool unresolved);
     const EmployeeEntry* find(qint32 id) const;
 
     QLineEdit* edit_;
@@ -121,8 +147,17 @@ private:
     EmployeeEntry extra_;  // a record from the minor view, shown for a value set from code
     bool loaded_ = false;
     qint32 value_ = -1;
+    bool unresolved_ = false;
     bool locked_ = false;
 };
+
+// Before a window acts on its selectors (each given with the caption of its label): the first
+// whose text names no single employee is reported through the module's message, titled
+// "هشدار" and naming the caption and the text, and takes the focus. False then: the window
+// does not act. True when every box names one employee or is empty.
+bool SelectorsNameEmployees(
+    kav::Module& module,
+    std::initializer_list<std::pair<VarekSelector*, QString>> selectorsWithCaptions);
 
 // The text the selector matches against: Arabic yeh and kaf as their Persian forms, Persian
 // and Arabic-Indic digits as Latin, lower case.

@@ -19,6 +19,7 @@
 #include "host/PropertyBag.h"
 #include "loan_editor/FormHRLoan.h"
 #include "loan_editor/LoanEditorTexts.h"
+#include "session/LockWaitNotice.h"
 #include "session/Module.h"
 #include "session/Ui.h"
 #include "session/Vb.h"
@@ -162,6 +163,7 @@ QVariant kavHRLoan1::ClearShow() {
     return passwordsMasked([this]() -> QVariant {
         roleRefused_ = false;
         copyPropertiesToSession();
+        LockWaitNotice notice(*module_);  // while the start waits for another client's lock
         openSessionDatabase();
         Session& s = module_->session;
         const QString title = caption_.trimmed().isEmpty() ? editor_texts::TitleEmpty : caption_;
@@ -172,10 +174,12 @@ QVariant kavHRLoan1::ClearShow() {
         module_->Window<FormHRLoan>().DisableLockComponent();
         if (!module_->HasPermission(PermissionOpenModule)) {
             roleRefused_ = true;
+            notice.Dismiss();
             module_->ShowRoleRefusal();
             return {};
         }
         treePosition->setVisible(true);
+        notice.Dismiss();
         ShowShared<FormHRLoan>(*module_);
         return {};
     });
@@ -186,11 +190,17 @@ QVariant kavHRLoan1::View(qint32& loanId) {
         // No role check, the titles as an earlier ClearShow left them, PRSEmployeeID ignored,
         // and the loan loaded before the mode is applied.
         copyPropertiesToSession();
+        LockWaitNotice notice(*module_);
         openSessionDatabase();
         FormHRLoan& editor = module_->Window<FormHRLoan>();
-        editor.FillLoan(loanId);
+        // A loan that is not there opens no empty window in view mode.
+        if (!editor.FillLoan(loanId))
+            throw KavError(KavError::Kind::Usage,
+                           u"وامي با شماره رايانه اي %1 در پايگاه داده نيست؛ پنجره وام باز نشد."_s
+                               .arg(loanId));
         module_->session.LoanFormMode = ModeView;
         editor.DisableLockComponent();
+        notice.Dismiss();
         ShowShared<FormHRLoan>(*module_);
         return {};
     });

@@ -83,7 +83,8 @@ public:
     //   Busy        another client held the database past the wait.
     QVariant ClearShow();
     // Opens one stored loan read-only, without a role check. Raises as ClearShow does (the
-    // loan is read before the window opens).
+    // loan is read before the window opens), and Usage when the database holds no loan with
+    // that id: no window opens then.
     QVariant View(qint32& loanId);
     // True when the last ClearShow stopped at the role check.
     bool RoleWasRefused() const { return roleRefused_; }

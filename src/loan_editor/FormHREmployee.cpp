@@ -115,6 +115,11 @@ void FormHREmployee::sltEmployeeID_Change() {
 }
 
 void FormHREmployee::cmdOK_Click() {
+    if (!controls::SelectorsNameEmployees(module_, {{sltEmployeeID, T::LabelBorrower},
+                                                    {sltSupportEmployeeID1, T::LabelGuarantor1},
+                                                    {sltSupportEmployeeID2, T::LabelGuarantor2},
+                                                    {sltSupportEmployeeID3, T::LabelGuarantor3}}))
+        return;
     if (sltEmployeeID->IsEmpty()) {
         module_.ShowMessage(ErrorTitle(), T::NoEmployeeError);
         return;

@@ -333,10 +333,11 @@ void FormHRLoan::FillLoanTypes() {
     cmbLoanType->setCurrentIndex(-1);
 }
 
-void FormHRLoan::FillLoan(qint32 loanId) {
+bool FormHRLoan::FillLoan(qint32 loanId) {
     Recordset rs = module_.DtEn().NewRecordset();
     rs.Open(loan_sql::FillLoan(loanId));
-    if (rs.RecordCount() > 0) {
+    const bool found = rs.RecordCount() > 0;
+    if (found) {
         rs.MoveFirst();
         txtID->setText(FieldText(rs.Fields(u"ID"_s)));
         const QVariant typeId = rs.Fields(u"TypeID"_s);
@@ -360,6 +361,7 @@ void FormHRLoan::FillLoan(qint32 loanId) {
     }
     rs.Close();
     FillLoanDetail(loanId);
+    return found;
 }
 
 void FormHRLoan::setRemainderOption(const QVariant& value) {
@@ -833,23 +835,26 @@ void FormHRLoan::showStoredAfterChange(const stored_loan::LoanChangedError& e) {
 void FormHRLoan::cmdSearch_Click() { module_.port<SearchPort>().ShowSearch(); }
 
 void FormHRLoan::cmdBalance_Click() {
-    // The adjustment window shares LoanFormMode; the editor takes its own mode back when the
-    // window closes, however it closes.
+    // The adjustment window shares LoanFormMode and LoanEditStarted; the editor takes its own
+    // values back when the window closes, however it closes, so an adjustment edit ends there.
     const qint32 mode = module_.session.LoanFormMode;
+    const qint16 editStarted = module_.session.LoanEditStarted;
     qint32 employee = -1;
     if (FlexEmployee->Rows() > 1 && FlexEmployee->Row() >= 1)
         employee = vb::CLng(vb::Val(FlexEmployee->TextMatrix(FlexEmployee->Row(), 1)));
     struct RestoreMode {
         FormHRLoan& window;
         qint32 mode;
+        qint16 editStarted;
         ~RestoreMode() {
             window.module().session.LoanFormMode = mode;
+            window.module().session.LoanEditStarted = editStarted;
             try {
                 window.DisableLockComponent();
             } catch (...) {
             }
         }
-    } restore{*this, mode};
+    } restore{*this, mode, editStarted};
     module_.port<AdjustmentPort>().ShowBalance(txtID->text(), employee);
 }
 

@@ -54,7 +54,8 @@ public:
     void DisableLockComponent();
     void FillLoanDetail(qint32 loanId);
     void InitialFlexEmployee();
-    void FillLoan(qint32 loanId);
+    // False when the database holds no loan with that id (the member grid is emptied).
+    bool FillLoan(qint32 loanId);
 
     // 1 while the window shows a stored loan (txtID holds an id), else 0.
     int StateValue() const override;

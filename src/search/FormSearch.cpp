@@ -15,6 +15,8 @@
 #include <QStandardPaths>
 #include <QVBoxLayout>
 #include <limits>
+#include <tuple>
+#include <type_traits>
 
 #include "base/Errors.h"
 #include "controls/FlexGrid.h"
@@ -172,13 +174,15 @@ void FormSearch::connectHandlers() {
     connect(Flexsearchresult, &FlexGrid::KeyPress, this, [this](int& key) {
         if (!Guard([&] { Flexsearchresult_KeyPress(key); })) key = 0;
     });
-    const std::pair<VarekDate*, VarekDate*> pairs[] = {{datPaymentDatef, datPaymentDateTo},
-                                                       {datBeginDatef, datBeginDateTo},
-                                                       {datEndDatef, datEndDateTo}};
-    for (const auto& [from, to] : pairs) {
+    const std::tuple<VarekDate*, VarekDate*, QString> pairs[] = {
+        {datPaymentDatef, datPaymentDateTo, T::PairPaymentDate},
+        {datBeginDatef, datBeginDateTo, T::PairBeginDate},
+        {datEndDatef, datEndDateTo, T::PairEndDate}};
+    for (const auto& [from, to, name] : pairs) {
         for (VarekDate* box : {from, to})
-            connect(box, &VarekDate::DateChanged, this,
-                    [this, from = from, to = to] { Guard([&] { linkDates(from, to); }); });
+            connect(box, &VarekDate::DateChanged, this, [this, from = from, to = to, name = name] {
+                Guard([&] { linkDates(from, to, name); });
+            });
     }
     for (QLineEdit* box : {txtLoanValueF, txtLoanValueTo, TxtPerMonthF, TxtPerMonthTo})
         box->installEventFilter(this);
@@ -260,6 +264,10 @@ search::SearchCriteria FormSearch::Criteria() const {
 void FormSearch::cmdSearch_Click() { RefreshFlexSearchResult(); }
 
 void FormSearch::RefreshFlexSearchResult() {
+    // A selector's text that names no single employee is no criterion to drop.
+    if (!controls::SelectorsNameEmployees(
+            module_, {{sltEmployee, T::LabelEmployee}, {sltSupporter, T::LabelSupporter}}))
+        return;
     Connection& cnt = module_.DtEn().cnt();
     // A bound that is not a number stops here: nothing runs and the grid stays as it was.
     const QString sql = search::SearchQuery(cnt.Dialect(), Criteria());
@@ -295,15 +303,21 @@ void FormSearch::cmdNewSearch_Click() {
 
 void FormSearch::cmdExit_Click() { close(); }
 
-void FormSearch::linkDates(VarekDate* from, VarekDate* to) {
-    // Equal dates clear the to-date too.
-    if (search::ClearsToDate(from->farsidate(), to->farsidate())) to->Clear();
+void FormSearch::linkDates(VarekDate* from, VarekDate* to, const QString& pairName) {
+    // Equal dates clear the to-date too; the status line says why it went.
+    const QString fromDate = from->farsidate(), toDate = to->farsidate();
+    if (!search::ClearsToDate(fromDate, toDate)) return;
+    to->Clear();
+    lblStatus->setText(T::StatusToDateCleared.arg(pairName, toDate, fromDate));
 }
 
 // ---- The results ----
 
 void FormSearch::DoSort(int column) {
-    const int last = column >= 0 && column < int(sortOrder_.size()) ? sortOrder_[column] : 0;
+    // The orders live with the module, so a search window opened again sorts on from them.
+    auto& orders = module_.session.SearchSortOrder;
+    static_assert(std::tuple_size_v<std::decay_t<decltype(orders)>> == search::SortSlots);
+    const int last = column >= 0 && column < search::SortSlots ? orders[std::size_t(column)] : 0;
     const int code = search::NextSortCode(column, last);
     FlexGrid& grid = *Flexsearchresult;
     if (search::IsNumericSortColumn(column)) {
@@ -314,7 +328,7 @@ void FormSearch::DoSort(int column) {
     }
     grid.setCol(column);
     grid.Sort(code);
-    sortOrder_[column] = code;
+    orders[std::size_t(column)] = qint16(code);
 }
 
 void FormSearch::Flexsearchresult_Click() {
@@ -397,6 +411,7 @@ bool FormSearch::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void FormSearch::keyPressEvent(QKeyEvent* event) {
+    if (PressFocusedButton(*event)) return;  // Enter on Exit exits, it does not search
     if (KeyCodeOf(*event) == 13) {
         // Enter in the criteria searches, as the search button does.
         if (cmdSearch->isEnabled()) Guard([this] { cmdSearch_Click(); });

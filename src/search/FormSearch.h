@@ -5,7 +5,6 @@
 // loan editor. The results can be sorted by a header click and saved as a CSV file.
 
 #include <QString>
-#include <array>
 #include <functional>
 
 #include "session/WindowSupport.h"
@@ -95,13 +94,11 @@ private:
     void connectHandlers();
     // Opens the loan of the grid's current row in the editor.
     void openResult();
-    // A from/to date pair after either box changed.
-    void linkDates(controls::VarekDate* from, controls::VarekDate* to);
+    // A from/to date pair (named for the status line) after either box changed.
+    void linkDates(controls::VarekDate* from, controls::VarekDate* to, const QString& pairName);
     void updateExport();
 
     Module& module_;
-    // The last sort code applied to each column; 0 while never sorted. Never reset.
-    std::array<int, 31> sortOrder_{};
 };
 
 }  // namespace kav

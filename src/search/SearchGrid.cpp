@@ -89,49 +89,68 @@ const QStringList& ResultFields() {
     return fields;
 }
 
-void InitializeGrid(FlexGrid& grid) {
-    grid.setRows(1);
-    grid.setCols(GridColumns);
-    // Each column is as wide as the table says, or as wide as its header and its longest
-    // usual value need in the grid's font, so no amount or date is cut.
+namespace {
+
+// The width in twips a cell text needs in the grid's font, with its header beside it.
+int twipsFor(const FlexGrid& grid, int c, const QString& text) {
     const QFontMetrics fm(grid.view()->font());
     const QFontMetrics header(grid.view()->horizontalHeader()->font());
     const int dpi = grid.logicalDpiX() > 0 ? grid.logicalDpiX() : 96;
-    auto need = [&](int c) {
-        QString sample;
-        switch (c) {
-            case ColRowNumber:
-                sample = u"100000"_s;
-                break;
-            case ColEmployeeCode:
-                sample = u"0000000"_s;
-                break;
-            case 5:
-            case 7:
-            case 8:
-                sample = u"1400/00/00"_s;
-                break;
-            case ColLoanValue:
-            case ColMonthlyValue:
-            case ColBalanceStart:
-            case ColBalanceEnd:
-                sample = u"0/000/000/000"_s;
-                break;
-            case ColStatus:
-                sample = T::StatusTemporary.size() > T::StatusFinal.size() ? T::StatusTemporary
-                                                                           : T::StatusFinal;
-                break;
-            default:
-                break;
-        }
-        const int px =
-            qMax(fm.horizontalAdvance(sample), header.horizontalAdvance(T::GridHeaders[c])) + 18;
-        return px * 1440 / dpi;
-    };
+    const int px = qMax(fm.horizontalAdvance(text), header.horizontalAdvance(T::GridHeaders[c])) + 18;
+    return px * 1440 / dpi;
+}
+
+// A column's width before any result: as wide as the table says, or as wide as its header
+// and its longest usual value need in the grid's font, so no amount or date is cut.
+int baseWidth(const FlexGrid& grid, int c) {
+    const int width = T::GridWidths[c];
+    if (width == 0) return 0;
+    QString sample;
+    switch (c) {
+        case ColRowNumber:
+            sample = u"100000"_s;
+            break;
+        case ColEmployeeCode:
+            sample = u"0000000"_s;
+            break;
+        case 5:
+        case 7:
+        case 8:
+            sample = u"1400/00/00"_s;
+            break;
+        case ColLoanValue:
+        case ColMonthlyValue:
+        case ColBalanceStart:
+        case ColBalanceEnd:
+            sample = u"0/000/000/000"_s;
+            break;
+        case ColStatus:
+            sample = T::StatusTemporary.size() > T::StatusFinal.size() ? T::StatusTemporary
+                                                                       : T::StatusFinal;
+            break;
+        default:
+            break;
+    }
+    return qMax(width, twipsFor(grid, c, sample));
+}
+
+// The amount columns grow to the widest amount of the result, so no amount is cut short.
+void fitAmounts(FlexGrid& grid, const QByteArray& widestLoanValue,
+                const QByteArray& widestMonthlyValue) {
+    for (int c : {int(ColLoanValue), int(ColBalanceStart), int(ColBalanceEnd), int(ColMonthlyValue)}) {
+        const QByteArray& widest = c == ColMonthlyValue ? widestMonthlyValue : widestLoanValue;
+        grid.setColWidth(c, qMax(baseWidth(grid, c), twipsFor(grid, c, QString::fromUtf8(widest))));
+    }
+}
+
+}  // namespace
+
+void InitializeGrid(FlexGrid& grid) {
+    grid.setRows(1);
+    grid.setCols(GridColumns);
     for (int c = 0; c < GridColumns; ++c) {
         grid.setTextMatrix(0, c, T::GridHeaders[c]);
-        const int width = T::GridWidths[c];
-        grid.setColWidth(c, width == 0 ? 0 : qMax(width, need(c)));
+        grid.setColWidth(c, baseWidth(grid, c));
     }
     // Numbers, codes, dates and the status centred; names and the type from the right.
     for (int c : {0, 1, 5, 6, 7, 8, 9, 10, 11, 12, 16})
@@ -154,6 +173,7 @@ int FillSearchGrid(Connection& cnt, const QString& sql, FlexGrid& grid) {
         const QByteArray temporary = T::StatusTemporary.toUtf8();
         const QByteArray final = T::StatusFinal.toUtf8();
         GroupedAmounts loanValues, monthlyValues;
+        QByteArray widestLoanValue, widestMonthlyValue;  // the longest grouped texts
         int r = 0;
         auto put = [&](int col, QByteArrayView text) {
             if (!text.isEmpty()) grid.setTextMatrixUtf8(r, col, text);
@@ -174,10 +194,14 @@ int FillSearchGrid(Connection& cnt, const QString& sql, FlexGrid& grid) {
             copy(5, SFarsiPaymentDate);
             const QByteArrayView loanValue = loanValues(rows.Text(at[SLoanValue]));
             put(ColLoanValue, loanValue);
+            if (loanValue.size() > widestLoanValue.size()) widestLoanValue = loanValue.toByteArray();
             copy(7, SFarsiBeginDate);
             copy(8, SFarsiEndDate);
             // No instalment: an empty cell.
-            put(ColMonthlyValue, monthlyValues(rows.Text(at[SMonthlyValue])));
+            const QByteArrayView monthlyValue = monthlyValues(rows.Text(at[SMonthlyValue]));
+            put(ColMonthlyValue, monthlyValue);
+            if (monthlyValue.size() > widestMonthlyValue.size())
+                widestMonthlyValue = monthlyValue.toByteArray();
             // The balance columns show the loan amount itself; the search computes no balance.
             put(ColBalanceStart, loanValue);
             put(ColBalanceEnd, loanValue);
@@ -188,6 +212,7 @@ int FillSearchGrid(Connection& cnt, const QString& sql, FlexGrid& grid) {
             copy(ColId, SId);
         }
         grid.setRows(r + 1);
+        fitAmounts(grid, widestLoanValue, widestMonthlyValue);
         // The new result starts at its first row, as after emptying the grid.
         grid.setRow(r > 0 ? 1 : 0);
         if (r > 0) grid.setTopRow(1);

@@ -45,7 +45,8 @@ void InitializeGrid(controls::FlexGrid& grid);
 // grid held before go): the row number, the member's code and names, the loan's type, dates
 // and amounts (grouped; no instalment gives an empty cell; both balance columns are the loan
 // amount), the status text, the guarantors' names and the row's ID in the hidden last column.
-// Returns the number of rows found. A database error raises KavError (Database); the grid is
+// The amount columns widen to the widest amount found (never narrower than at the start), so
+// no amount is cut short. Returns the number of rows found. A database error raises KavError (Database); the grid is
 // then left with its header only.
 int FillSearchGrid(Connection& cnt, const QString& sql, controls::FlexGrid& grid);
 

@@ -47,7 +47,7 @@ QString LoanTypesQuery();
 // cleared.
 bool ClearsToDate(const QString& fromDate, const QString& toDate);
 
-// Sorting by a header click. The window remembers the last order of each of 31 columns
+// Sorting by a header click. The module remembers the last order of each of 31 columns
 // (0-30); columns 1, 4, 6, 9, 10 and 11 sort as numbers (their "/" removed first), the others
 // as generic text. Returns the grid's sort code for the click: the column's group ascending,
 // or descending when the last order was that group's ascending. A column outside 0-30 raises

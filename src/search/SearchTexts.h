@@ -54,6 +54,12 @@ inline const QString CaptionExport = u"ذخيره در فايل CSV"_s;
 inline const QString CaptionExit = u"خروج"_s;
 // "%1 rows found."
 inline const QString StatusFound = u"%1 رکورد يافت شد."_s;
+// A from/to date pair (%1) cleared its to-date (%2), which was not after the from-date (%3).
+inline const QString StatusToDateCleared =
+    u"%1: تاريخ «تا» (%2) پاک شد، چون بايد بعد از تاريخ «از» (%3) باشد."_s;
+inline const QString PairPaymentDate = u"تاريخ پرداخت"_s;
+inline const QString PairBeginDate = u"تاريخ شروع قسط"_s;
+inline const QString PairEndDate = u"تاريخ تسويه"_s;
 // "%1 rows saved in the file «%2»."
 inline const QString StatusSaved = u"%1 رکورد در فايل «%2» ذخيره شد."_s;
 inline const QString ExportDialogTitle = u"ذخيره نتيجه جستجو"_s;

@@ -439,12 +439,20 @@ void Connection::Open() {
     if (sqlite_) sqlite3_busy_handler(sqlite_, &Connection::waitForLock, this);
     utf8_ = false;
     if (sqlite_) {
+        // The first read of the database: another client holding it past the wait is the
+        // busy error here, after the one wait, not a second wait at the next statement.
         sqlite3_stmt* stmt = nullptr;
-        if (sqlite3_prepare_v2(sqlite_, "PRAGMA encoding", -1, &stmt, nullptr) == SQLITE_OK &&
-            sqlite3_step(stmt) == SQLITE_ROW)
+        int rc = sqlite3_prepare_v2(sqlite_, "PRAGMA encoding", -1, &stmt, nullptr);
+        if (rc == SQLITE_OK) rc = sqlite3_step(stmt);
+        if (rc == SQLITE_ROW)
             utf8_ =
                 qstrcmp(reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0)), "UTF-8") == 0;
         sqlite3_finalize(stmt);
+        if ((rc & 0xFF) == SQLITE_BUSY || (rc & 0xFF) == SQLITE_LOCKED) {
+            const QString text = QString::fromUtf8(sqlite3_errstr(rc));
+            Close();
+            throw data::BusyError(text);
+        }
     }
     dialect_ = std::make_unique<data::SqlDialect>(target.kind);
     // On SQL Server a statement that meets another client's lock waits as long as a write
@@ -524,11 +532,21 @@ bool Connection::HasColumns(const QString& table, const QStringList& columns) {
 }
 
 int Connection::waitForLock(void* connection, int tries) {
-    auto& waitStart = static_cast<Connection*>(connection)->waitStart_;
+    auto& self = *static_cast<Connection*>(connection);
+    auto& waitStart = self.waitStart_;
     const auto now = std::chrono::steady_clock::now();
     if (tries == 0) waitStart = now;
     if (now - waitStart >= std::chrono::milliseconds(data::SqlDialect::LockWaitMilliseconds))
         return 0;  // busy: the statement fails with SQLITE_BUSY
+    if (self.lockWaitHook_ &&
+        (tries == 0 || now - self.waitHooked_ >= std::chrono::milliseconds(100))) {
+        self.waitHooked_ = now;
+        try {
+            const std::function<void()> hook = self.lockWaitHook_;  // the hook may replace it
+            hook();
+        } catch (...) {
+        }
+    }
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
     return 1;
 }

@@ -18,6 +18,7 @@
 #include <QVector>
 #include <array>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -208,6 +209,12 @@ public:
     // opened with QSQLITE); opens the connection first.
     bool RunsOnSqlite();
 
+    // Called when a statement on the embedded database starts to wait for another client's
+    // lock, and about every tenth of a second while it waits (up to the wait's end); so a
+    // window can say why nothing happens. It runs inside the statement: it must not throw or
+    // touch this connection.
+    void SetLockWaitHook(std::function<void()> hook) { lockWaitHook_ = std::move(hook); }
+
     // The columns of a table or view as the database names them, found out once per
     // connection; nothing when the database has no such table. Not to be asked inside a
     // write transaction (a failed read may end it on SQL Server).
@@ -232,6 +239,8 @@ private:
     sqlite3* sqlite_ = nullptr;
     bool utf8_ = false;  // the embedded database keeps its texts as UTF-8
     std::chrono::steady_clock::time_point waitStart_;  // of the current wait for a lock
+    std::chrono::steady_clock::time_point waitHooked_;  // the hook's last call in that wait
+    std::function<void()> lockWaitHook_;
     std::vector<RowReader*> readers_;  // open readers, finished when the connection closes
     QHash<QString, std::optional<QStringList>> columns_;  // ColumnsOf, by lower-case table
 };

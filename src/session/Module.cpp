@@ -24,6 +24,7 @@ DataEnvironment& Module::DtEn() {
     if (!dtEn_) {
         dtEn_ = std::make_unique<DataEnvironment>();
         dtEn_->cnt().SetConnectionString(session.SessionConnectionString);
+        dtEn_->cnt().SetLockWaitHook(lockWaitHook_);
     }
     return *dtEn_;
 }
@@ -67,6 +68,11 @@ QString Module::SystemWorkingDate() {
     return u"%1/%2/%3"_s.arg(ymd.year, 4, 10, QChar(u'0'))
         .arg(ymd.month, 2, 10, QChar(u'0'))
         .arg(ymd.day, 2, 10, QChar(u'0'));
+}
+
+void Module::SetLockWaitHook(std::function<void()> hook) {
+    lockWaitHook_ = std::move(hook);
+    if (dtEn_) dtEn_->cnt().SetLockWaitHook(lockWaitHook_);
 }
 
 int Module::ShowModal(QDialog& dialog) const { return modal_(dialog); }

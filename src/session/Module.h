@@ -52,6 +52,10 @@ public:
     // today's Jalali date, as "yyyy/mm/dd".
     QString SystemWorkingDate();
 
+    // Called while a statement waits for another client's lock on the embedded database (see
+    // Connection::SetLockWaitHook); kept for the data environments made later. Empty: none.
+    void SetLockWaitHook(std::function<void()> hook);
+
     void SetModalRunner(ModalRunner runner) { modal_ = std::move(runner); }
     int ShowModal(QDialog& dialog) const;
 
@@ -96,6 +100,7 @@ private:
     std::unique_ptr<DataEnvironment> dtEn_;
     MessageFactory messages_;
     ModalRunner modal_;
+    std::function<void()> lockWaitHook_;
     std::map<std::type_index, std::unique_ptr<QObject>> windows_;
     std::map<std::type_index, std::function<void*(Module&)>> ports_;
 };

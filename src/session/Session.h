@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QtGlobal>
+#include <array>
 
 #include "data/Names.h"
 #include "data/PayslipColumns.h"
@@ -25,6 +26,10 @@ struct Session {
     // 1 while a loan or an adjustment is being edited; 2 set by the adjustment window
     // before it opens its list; otherwise 0.
     qint16 LoanEditStarted = 0;
+    // The sort code last applied to each column (0-30) of the search window's results; 0 while
+    // never sorted. Kept for the module's life: neither a new search nor closing the window
+    // resets it.
+    std::array<qint16, 31> SearchSortOrder{};
     // Set by the local yes/no dialog: 6 yes, 7 no.
     qint16 DialogAnswer = 0;
 

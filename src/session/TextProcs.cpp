@@ -88,6 +88,13 @@ double AmountValue(const QString& text) {
     return vb::Val(plain);
 }
 
+QString AmountBeyondRangeText(const QString& typed, const QString& boxCaption) {
+    // The largest whole amount of the currency range, grouped as the boxes show amounts.
+    const QString largest = GroupDigits(u"922337203685477"_s);
+    return u"مبلغ «%1» در «%2» از بزرگ\u200Cترين مبلغ ممکن (%3) بيشتر است."_s.arg(
+        typed.trimmed(), boxCaption, largest);
+}
+
 vb::Currency AmountCurrency(const QString& text) {
     QString plain = LatinDigits(text);
     plain.remove(u'/');

@@ -42,4 +42,8 @@ double AmountValue(const QString& text);
 // type-mismatch error. An empty text is the type-mismatch error too.
 vb::Currency AmountCurrency(const QString& text);
 
+// What a box says of an amount typed beyond the largest the module keeps (the currency
+// range): the amount as typed, the box by its caption and the largest amount allowed.
+QString AmountBeyondRangeText(const QString& typed, const QString& boxCaption);
+
 }  // namespace kav

@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QVariant>
 
 #include "base/Errors.h"
@@ -98,6 +99,19 @@ void ModuleWindow::closeEvent(QCloseEvent* event) {
 }
 
 void ModuleWindow::reject() { close(); }
+
+bool ModuleWindow::PressFocusedButton(QKeyEvent& event) {
+    if (event.key() != Qt::Key_Return && event.key() != Qt::Key_Enter) return false;
+    auto* button = qobject_cast<QPushButton*>(focusWidget());
+    if (!button || !button->isEnabled() || !button->isVisible()) return false;
+    event.accept();
+    button->click();
+    return true;
+}
+
+void ModuleWindow::keyPressEvent(QKeyEvent* event) {
+    if (!PressFocusedButton(*event)) QDialog::keyPressEvent(event);
+}
 
 void ModuleWindow::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);

@@ -98,6 +98,11 @@ public:
 protected:
     // Asked before the window closes; false keeps it open.
     virtual bool QueryUnload() { return true; }
+    // Enter on a focused push button presses that button: the module's buttons are not
+    // auto-default, so the dialog would otherwise press its default button or let the window
+    // act on Enter. True when it pressed one.
+    bool PressFocusedButton(QKeyEvent& event);
+    void keyPressEvent(QKeyEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void reject() override;  // Escape closes the way the close box does
     void showEvent(QShowEvent* event) override;

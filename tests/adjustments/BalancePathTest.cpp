@@ -21,20 +21,33 @@
 using namespace Qt::StringLiterals;
 using namespace kav;
 
-TEST(BalancePath, FromTheEditorToARecordedAdjustmentAndBack) {
+namespace {
+
+// The module on a fresh demo database with the real editor and adjustment windows.
+struct DemoModule {
+    DemoModule() {
+        const QString file = dir.filePath(u"demo.db"_s);
+        data::CreateDemoDatabase(file);
+        module.session.SessionConnectionString = data::EmbeddedConnectionString(file);
+        module.session.SessionTitle = u"وام کارمندان"_s;
+        module.SetMessageFactory(test::ScriptedFactory(messages));
+        module.OpenSessionConnection();
+        module.ProvidePort<LoanEditorPort>(
+            [](Module& m) -> LoanEditorPort& { return m.Window<FormHRLoan>(); });
+        module.ProvidePort<AdjustmentPort>(
+            [](Module& m) -> AdjustmentPort& { return m.Window<AdjustmentOpener>(); });
+    }
     QTemporaryDir dir;
-    const QString file = dir.filePath(u"demo.db"_s);
-    data::CreateDemoDatabase(file);
-    auto messages = std::make_shared<test::MessageScript>();
+    std::shared_ptr<test::MessageScript> messages = std::make_shared<test::MessageScript>();
     Module module;
-    module.session.SessionConnectionString = data::EmbeddedConnectionString(file);
-    module.session.SessionTitle = u"وام کارمندان"_s;
-    module.SetMessageFactory(test::ScriptedFactory(messages));
-    module.OpenSessionConnection();
-    module.ProvidePort<LoanEditorPort>(
-        [](Module& m) -> LoanEditorPort& { return m.Window<FormHRLoan>(); });
-    module.ProvidePort<AdjustmentPort>(
-        [](Module& m) -> AdjustmentPort& { return m.Window<AdjustmentOpener>(); });
+};
+
+}  // namespace
+
+TEST(BalancePath, FromTheEditorToARecordedAdjustmentAndBack) {
+    DemoModule demo;
+    Module& module = demo.module;
+    const auto& messages = demo.messages;
     QStringList seen;
     int rowsBefore = 0, rowsAfter = 0;  // the schedule's length
     QString newId;
@@ -78,4 +91,39 @@ TEST(BalancePath, FromTheEditorToARecordedAdjustmentAndBack) {
     EXPECT_FALSE(module.HasWindow<FormHRException>());  // closed and unloaded
     EXPECT_EQ(module.session.LoanFormMode, 0);          // the editor's own mode again
     EXPECT_TRUE(editor.cmdBalance->isEnabled());
+}
+
+// An adjustment being edited survives the list (which opens nothing over it), and closing the
+// window ends the edit: the editor's flag is back, so its search opens loans again.
+TEST(BalancePath, AnAdjustmentEditEndsWithItsWindow) {
+    DemoModule demo;
+    Module& module = demo.module;
+    qint16 inList = -1;
+    QString afterList;
+    module.SetModalRunner([&](QDialog& d) {
+        if (auto* list = qobject_cast<FormList*>(&d)) {
+            inList = module.session.LoanEditStarted;
+            list->cmdSearch->click();
+            list->FlexEmployee->setRow(1);
+            emit list->FlexEmployee->DblClick();
+            return 0;
+        }
+        auto* w = qobject_cast<FormHRException*>(&d);
+        if (!w) return 0;
+        w->ShowFormToEdit(1);
+        w->cmdEdit->click();
+        w->TxtPerMonth->setText(u"123"_s);
+        w->cmdList->click();
+        afterList = w->TxtPerMonth->text() + u" mode "_s +
+                    QString::number(module.session.LoanFormMode);
+        w->cmdExit->click();
+        return 0;
+    });
+    FormHRLoan& editor = module.Window<FormHRLoan>();
+    ASSERT_TRUE(editor.ViewPRSLoansInfo(2));
+    editor.cmdBalance->click();
+    EXPECT_EQ(inList, 1);
+    EXPECT_EQ(afterList, u"123 mode 1"_s);
+    EXPECT_EQ(module.session.LoanEditStarted, 0);
+    EXPECT_EQ(module.session.LoanFormMode, 0);
 }

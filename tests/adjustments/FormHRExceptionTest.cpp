@@ -180,10 +180,11 @@ TEST_F(AdjustmentTest, TheMembersScheduleFollowsTheMemberAndTheAdjustments) {
     const controls::FlexGrid& g = *w.FlexBalance;
     ASSERT_EQ(g.Rows(), 1 + 14 + 1);
     QStringList third;
-    for (int c = 0; c < 7; ++c) third << g.TextMatrix(3, c);
-    EXPECT_EQ(third.join(u'|'), u"3|1402/03|5/000/000|2/000/000||48/000/000|"_s);
-    EXPECT_EQ(g.TextMatrix(14, 6), u"پس از تاريخ تسويه"_s);
-    EXPECT_EQ(g.TextMatrix(15, 1) + g.TextMatrix(15, 4), u"جمع10/000/000"_s);
+    for (int c = 0; c < 8; ++c) third << g.TextMatrix(3, c);
+    EXPECT_EQ(third.join(u'|'), u"3|1402/03|5/000/000|2/000/000||2/000/000|48/000/000|"_s);
+    EXPECT_EQ(g.TextMatrix(14, 7), u"پس از تاريخ تسويه"_s);
+    EXPECT_EQ(g.TextMatrix(15, 1) + g.TextMatrix(15, 4) + u" "_s + g.TextMatrix(15, 5),
+              u"جمع10/000/000 60/000/000"_s);
     EXPECT_EQ(g.Row(), 3);  // the first month without a payslip
     EXPECT_EQ(mode(), 3);   // opened empty
     QStringList info;
@@ -219,7 +220,7 @@ TEST_F(AdjustmentTest, TheScheduleIsSavedThroughTheFileDialog) {
     QFile csv(answer + u".csv"_s);
     ASSERT_TRUE(csv.open(QIODevice::ReadOnly));
     const QStringList lines = QString::fromUtf8(csv.readAll()).split(u"\r\n"_s);
-    EXPECT_EQ(lines.value(15), u"جمع,66000000,4000000,10000000,0,"_s);  // the member's
+    EXPECT_EQ(lines.value(15), u"جمع,,,10000000,60000000,0,"_s);  // the member's
     answer = dir.filePath(u"member.pdf"_s);
     w.cmdExportPdf->click();
     answer.clear();  // the clerk cancels the dialog: nothing written

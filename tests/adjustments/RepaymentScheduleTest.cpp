@@ -75,7 +75,19 @@ TEST(RepaymentSchedule, AdjustmentsReplaceThePlanTheLatestHolding) {
               "1402/05 100000 150000 - 200000; 1402/06 100000 150000 - 50000; "
               "1402/07 50000 50000 - 0 S"_s);
     EXPECT_EQ(s.rows[2].adjustmentId, 9);
-    EXPECT_EQ(s.totalAdjustment, R(400000));
+}
+
+// What the months took (the payslip where there is one, else the adjustment or the plan) and
+// the balance left add up to the loan, however far the schedule goes; the plan has no total.
+TEST(RepaymentSchedule, TheTotalsAddUpToTheLoanAmount) {
+    const LoanTerms loan = terms(800000000, 66666666, 12, 0, u"1403/01/31"_s, u"1403/12/30"_s);
+    const QVector<Adjustment> lower = {{7, u"1403/03/01"_s, u"1403/05/31"_s, R(40000000)}};
+    const QVector<Payslip> paid = {{u"1403/01"_s, R(66666666)}, {u"1403/02"_s, R(50000000)}};
+    EXPECT_EQ(CsvRows(Compute(loan, lower, paid)).last().join(u','),
+              u"جمع,,,116666666,800000000,0,"_s);
+    const Schedule part = Compute(loan, lower, paid, 6);
+    EXPECT_EQ(part.totalTaken.toString() + u" "_s + part.balance.toString(),
+              u"303333332 496666668"_s);
 }
 
 TEST(RepaymentSchedule, ALowerAdjustmentLengthensTheLoanAndNoMonthPlansMoreThanIsOwed) {
@@ -153,11 +165,12 @@ TEST(ScheduleExport, CsvRowsHoldPlainAmountsNotesAndTotals) {
     for (const QStringList& row : CsvRows(sample())) lines << row.join(u',');
     EXPECT_EQ(
         lines,
-        (QStringList{u"ماه,قسط برنامه,تعديل,کسر شده در فيش,مانده پس از ماه,توضيح"_s,
-                     u"1402/11,300000,,300000,700000,"_s, u"1402/12,300000,250000,,450000,"_s,
-                     u"1403/01,300000,,,150000,"_s,
-                     u"1403/02,100000,,,50000,باقيمانده وام، پس از تاريخ تسويه"_s,
-                     u"1403/03,50000,,,0,پس از تاريخ تسويه"_s, u"جمع,1050000,250000,300000,0,"_s}));
+        (QStringList{u"ماه,قسط برنامه,تعديل,کسر شده در فيش,کاهش مانده,مانده پس از ماه,توضيح"_s,
+                     u"1402/11,300000,,300000,300000,700000,"_s,
+                     u"1402/12,300000,250000,,250000,450000,"_s, u"1403/01,300000,,,300000,150000,"_s,
+                     u"1403/02,100000,,,100000,50000,باقيمانده وام، پس از تاريخ تسويه"_s,
+                     u"1403/03,50000,,,50000,0,پس از تاريخ تسويه"_s,
+                     u"جمع,,,300000,1000000,0,"_s}));
     EXPECT_EQ(AmountText(R(1050000)), u"1/050/000"_s);
 }
 

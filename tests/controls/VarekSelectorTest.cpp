@@ -97,14 +97,26 @@ TEST_F(VarekSelectorTest, TheUserFindsAnEmployeeByCodeOrName) {
     QTest::keyClick(popup, Qt::Key_Return);
     EXPECT_EQ(s->Value(), 2);
     EXPECT_EQ(changed.count(), 2);
-    // An exact code chooses its employee; a retired one is not there; emptying the box is a
-    // choice too; locked, nothing is chosen.
+    // An exact code chooses its employee. Text that names nobody (the retired code) stays,
+    // marked, and the choice goes: the box names nobody, yet it is not empty.
     EXPECT_EQ(chosen(u"1001"_s), 1);
-    EXPECT_EQ(chosen(u"2040"_s), 1);
-    EXPECT_EQ(changed.count(), 3);
+    EXPECT_EQ(chosen(u"2040"_s), -1);
+    EXPECT_EQ(s->State(), SelectorState::Unresolved);
+    EXPECT_EQ(s->UnresolvedText(), u"2040"_s);
+    EXPECT_EQ(changed.count(), 4);
+    // Enter on text that names several opens the list with just them (again, when it was
+    // open without a choice in it).
+    type(u"100"_s);
+    QTest::keyClick(popup, Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return popup->isVisible(); }));
+    EXPECT_EQ(s->completer()->completionCount(), 2);
+    EXPECT_EQ(s->State(), SelectorState::Unresolved);
+    popup->hide();
+    // Emptying the box empties it; locked, nothing is chosen.
     type(QString());
     w.key(Qt::Key_Backspace);
     EXPECT_EQ(chosen(QString()), -1);
+    EXPECT_EQ(s->State(), SelectorState::Empty);
     EXPECT_EQ(changed.count(), 4);
     s->setLocked(true);
     EXPECT_EQ(chosen(u"1002"_s), -1);

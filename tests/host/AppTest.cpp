@@ -101,6 +101,10 @@ TEST_F(AppTest, FailedStartsExitWithTwoOrThreeAndStoreNothing) {
          3,
          u"خطا: شما فاقد نقش مورد نظر هستيد. به نگهدارنده سيستم رجوع فرمائيد."_s},
         {{u"--screenshots"_s, home.filePath(u"file/shots"_s)}, 2, u"نوشته نشد"_s},
+        // A loan the database does not hold opens no window.
+        {{u"--connection"_s, connection, u"--user"_s, u"1"_s, u"--view"_s, u"99"_s},
+         2,
+         u"kavhrloan: وامي با شماره رايانه اي 99 در پايگاه داده نيست؛ پنجره وام باز نشد.\n"_s},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.args.join(u' ').toStdString());
@@ -121,7 +125,7 @@ TEST_F(AppTest, FailedStartsExitWithTwoOrThreeAndStoreNothing) {
 }
 
 // The demo runs on the demo database whatever is stored, makes it again when the file there
-// is empty, and stores nothing.
+// is empty, keeps what was saved in it (until --fresh-demo) and stores no properties.
 TEST_F(AppTest, TheDemoMakesAnEmptyDemoDatabaseAgain) {
     const QString demo = home.filePath(u"data/KAV/kavhrloan/kavhrloan-demo.db"_s);
     QDir().mkpath(QFileInfo(demo).path());
@@ -131,15 +135,28 @@ TEST_F(AppTest, TheDemoMakesAnEmptyDemoDatabaseAgain) {
     store(u"abc"_s, u"Provider=SQLite;Data Source=/x.db"_s);
     const Outcome r = run({u"--demo"_s, u"--quit-when-shown"_s});
     EXPECT_EQ(r.code, 0) << r.err.toStdString();
-    {
-        QSqlDatabase check = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"demo-check"_s);
-        check.setDatabaseName(demo);
-        ASSERT_TRUE(check.open());
-        QSqlQuery q(check);
-        EXPECT_TRUE(q.exec(u"select count(*) from tblEmployee"_s) && q.next() &&
-                    q.value(0).toInt() > 0);
-    }
-    QSqlDatabase::removeDatabase(u"demo-check"_s);
+    // The notes of loan 1 as the demo database holds them; a text given is saved first.
+    const auto notes = [&](const QString& saved = {}) {
+        QString text;
+        {
+            QSqlDatabase check = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"demo-check"_s);
+            check.setDatabaseName(demo);
+            EXPECT_TRUE(check.open());
+            QSqlQuery q(check);
+            if (!saved.isEmpty())
+                q.exec(u"update tblHRLoan set Notes='%1' where ID=1"_s.arg(saved));
+            if (q.exec(u"select Notes from tblHRLoan where ID=1"_s) && q.next())
+                text = q.value(0).toString();
+        }
+        QSqlDatabase::removeDatabase(u"demo-check"_s);
+        return text;
+    };
+    const QString made = notes();
+    EXPECT_EQ(notes(u"saved by a demo run"_s), u"saved by a demo run"_s);
+    EXPECT_EQ(run({u"--demo"_s, u"--quit-when-shown"_s}).code, 0);
+    EXPECT_EQ(notes(), u"saved by a demo run"_s);
+    EXPECT_EQ(run({u"--fresh-demo"_s, u"--quit-when-shown"_s}).code, 0);
+    EXPECT_EQ(notes(), made);
     EXPECT_EQ(QSettings(settingsFile(), QSettings::IniFormat).value(u"kavHRLoan1/UserID"_s),
               u"abc"_s);
 }

@@ -226,6 +226,11 @@ TEST_F(AdjustmentTest, AMonthlyDebitThatIsNoAmountIsRefusedByNameAndWritesNothin
         EXPECT_EQ(session().LoanFormMode, 2);
         EXPECT_EQ(t.db.rows(u"select * from tblHRLoanException"_s), before);
     }
+    // Digits past the currency range: the box and the largest amount are named, in Persian.
+    enterNew(u"1402/03/01"_s, u"1402/04/31"_s, u"99999999999999999999"_s);
+    expectLast(u"هشدار"_s, u"مبلغ «99999999999999999999» در «اقساط ماهيانه» از بزرگ\u200Cترين "
+                           u"مبلغ ممکن (922/337/203/685/477) بيشتر است."_s);
+    EXPECT_EQ(t.db.rows(u"select * from tblHRLoanException"_s), before);
 }
 
 // Pasted past the key filters (which the amount box's own tests cover): the count.

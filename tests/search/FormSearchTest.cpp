@@ -17,6 +17,7 @@
 #include "SearchFixture.h"
 #include "controls/FlexGrid.h"
 #include "controls/VarekDate.h"
+#include "controls/VarekSelector.h"
 #include "search/SearchSql.h"
 #include "support/Raises.h"
 #include "support/TsqlCheck.h"
@@ -118,6 +119,20 @@ TEST_F(SearchTest, SortsTextAndNumberColumnsBothWaysAlsoByAHeaderClick) {
         EXPECT_EQ(RaisedKind([&] { f.DoSort(beyond); }), KavError::Kind::Usage);
 }
 
+// The sort orders live as long as the module: the window opened again sorts on from them.
+TEST_F(SearchTest, SortOrdersOutliveTheWindow) {
+    FormSearch* first = &form();
+    first->cmdSearch->click();
+    first->DoSort(3);  // surnames ascending
+    EXPECT_EQ(column(0).join(u' '), u"5 3 1 4 2"_s);
+    first->cmdExit->click();
+    ASSERT_TRUE(first->IsUnloaded());
+    t.module.UnloadWindow<FormSearch>();
+    form().cmdSearch->click();
+    form().DoSort(3);  // descending now
+    EXPECT_EQ(column(0).join(u' '), u"2 4 1 3 5"_s);
+}
+
 // Each from-date that is equal to or later than its to-date clears the to-date, whichever of
 // the two changed.
 TEST_F(SearchTest, EqualOrLaterFromDateClearsTheToDateOfEachPair) {
@@ -130,9 +145,13 @@ TEST_F(SearchTest, EqualOrLaterFromDateClearsTheToDateOfEachPair) {
         to->setFarsidate(u"1402/05/02"_s);
         emit to->DateChanged();
         EXPECT_EQ(to->farsidate(), u"1402/05/02"_s);
-        from->setFarsidate(u"1402/05/02"_s);  // equal: cleared too
+        from->setFarsidate(u"1402/05/02"_s);  // equal: cleared too, and the status line says so
         emit from->DateChanged();
         EXPECT_TRUE(to->IsEmpty());
+        if (from == f.datPaymentDatef) {
+            EXPECT_EQ(f.lblStatus->text(), u"تاريخ پرداخت: تاريخ «تا» (1402/05/02) پاک شد، چون "
+                                           u"بايد بعد از تاريخ «از» (1402/05/02) باشد."_s);
+        }
         to->setFarsidate(u"1402/04/30"_s);
         emit to->DateChanged();
         EXPECT_TRUE(to->IsEmpty());
@@ -159,12 +178,42 @@ TEST_F(SearchTest, KeysOfTheCriteria) {
     f.txtNotes->setFocus();
     QTest::keyClick(f.txtNotes, Qt::Key_Return);
     EXPECT_EQ(gridRows().size(), 5);
+    // Enter on a focused button presses it: a new search empties the criteria, none runs.
+    f.txtNotes->setText(u"x"_s);
+    f.cmdNewSearch->setFocus();
+    QTest::keyClick(f.cmdNewSearch, Qt::Key_Return);
+    EXPECT_EQ(f.txtNotes->text() + QString::number(gridRows().size()), u"5"_s);
     f.cmdExit->setEnabled(false);
     QTest::keyClick(f.txtNotes, Qt::Key_Escape);
     EXPECT_TRUE(f.isVisible());
     f.cmdExit->setEnabled(true);
     QTest::keyClick(f.txtNotes, Qt::Key_Escape);
     EXPECT_TRUE(f.IsUnloaded());
+}
+
+// The employee box names one employee (his loans), nobody (every loan), or holds typed text
+// that names nobody: that stops the search, which says which box, and lists no other loans.
+TEST_F(SearchTest, TheEmployeeBoxNamesOneEmployeeNobodyOrStopsTheSearch) {
+    FormSearch& f = form();
+    f.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&f));
+    f.sltEmployee->setValue(4);
+    f.cmdSearch->click();
+    EXPECT_EQ(column(1), QStringList{u"1004"_s});
+    f.sltEmployee->SetFocus();
+    f.sltEmployee->lineEdit()->selectAll();
+    QTest::keyClicks(f.sltEmployee->lineEdit(), u"9999"_s);
+    f.txtNotes->setFocus();
+    f.cmdSearch->click();
+    EXPECT_EQ(Shown(), QStringList{u"هشدار: کادر «كارمند» کارمندي را مشخص نمي‌کند («9999»)؛ يک "
+                                   u"کارمند را از فهرست انتخاب کنيد يا کادر را خالي کنيد."_s});
+    EXPECT_EQ(column(1), QStringList{u"1004"_s});
+    EXPECT_TRUE(f.sltEmployee->lineEdit()->hasFocus());
+    QTest::keyClick(f.sltEmployee->lineEdit(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(f.sltEmployee->lineEdit(), Qt::Key_Delete);
+    f.txtNotes->setFocus();
+    f.cmdSearch->click();
+    EXPECT_EQ(rows().size(), 5);
 }
 
 TEST_F(SearchTest, OpensTheChosenLoanInTheEditor) {

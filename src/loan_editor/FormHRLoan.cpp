@@ -723,8 +723,8 @@ void FormHRLoan::SaveLoan(bool isFinal) {
     // written.
     TxtPerMonth_LostFocus();
     const loan_save::LoanRecord loan = loanRecord(isFinal);
-    if (!loan_save::CountSql(loan.payBackNumber)) {
-        module_.ShowMessage(ErrorTitle(), T::CountNotWholeError.arg(loan.payBackNumber.trimmed()));
+    if (const QString problem = loan_save::CountProblem(loan.payBackNumber); !problem.isEmpty()) {
+        module_.ShowMessage(ErrorTitle(), problem);
         return;
     }
     if (isFinal && !final_checks::Confirmed(module_, loan, txtRem->Value())) return;
@@ -735,11 +735,10 @@ void FormHRLoan::SaveLoan(bool isFinal) {
         BusyPointer busy;
         // A failure rolls everything back and leaves the window in its mode with its contents;
         // the loan's id is shown only once it is stored.
-        id = loan_save::WriteLoan(
-            module_.DtEn().cnt(), loan,
-            module_.session.LoanFormMode == ModeNew
-                ? std::nullopt
-                : std::optional<stored_loan::Expected>(shownLoan()));
+        id = loan_save::WriteLoan(module_.DtEn().cnt(), loan,
+                                  module_.session.LoanFormMode == ModeNew
+                                      ? std::nullopt
+                                      : std::optional<stored_loan::Expected>(shownLoan()));
     } catch (const stored_loan::LoanChangedError& e) {
         return showStoredAfterChange(e);
     }
@@ -952,6 +951,7 @@ void FormHRLoan::cmbLoanType_KeyDown(int keyCode) {
 void FormHRLoan::txtOriginalValue_GotFocus() { selectAll(txtOriginalValue); }
 
 void FormHRLoan::txtOriginalValue_LostFocus() {
+    loan::RequireAmountsInRange(termsFields());
     if (const auto copy = loan::OriginalValueLeft(termsFields())) txtLoanValue->setText(*copy);
 }
 
@@ -970,6 +970,7 @@ void FormHRLoan::txtLoanValue_KeyPress(int& keyAscii) {
 }
 
 void FormHRLoan::txtLoanValue_LostFocus() {
+    loan::RequireAmountsInRange(termsFields());
     QVariant maxValue;
     if (cmbLoanType->currentIndex() >= 0) {
         Recordset rs = module_.DtEn().NewRecordset();
@@ -998,6 +999,7 @@ void FormHRLoan::TxtPerMonth_KeyPress(int& keyAscii) {
 }
 
 void FormHRLoan::TxtPerMonth_LostFocus() {
+    loan::RequireAmountsInRange(termsFields());
     applyTerms(loan::PerMonthLeft(termsFields(), perMonthAtFocus));
 }
 

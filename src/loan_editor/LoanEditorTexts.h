@@ -77,6 +77,7 @@ inline const QString FrameMembers = u"کارمندان و ضامنين وام"_s
 inline const QString NoMemberError = u"هيچ کارمندي مشخص نشده است."_s;
 // A count of instalments that is not a whole number is never written (%1: the count typed).
 inline const QString CountNotWholeError = u"تعداد اقساط «%1» عدد صحيح نيست؛ وام ثبت نشد."_s;
+inline const QString CountNegativeError = u"تعداد اقساط «%1» منفي است؛ وام ثبت نشد."_s;
 // A write refused because the stored loan changed after this window showed it: what
 // changed, then what was not done.
 inline const QString ChangedGone = u"اين وام را کاربر ديگري حذف کرده است"_s;

@@ -16,10 +16,16 @@ namespace {
 
 QString number(qint64 value) { return QString::number(value); }
 
-// An amount box's value text as a plain decimal; an empty box is 0.
-QString amount(const QString& valueText) {
+// An amount box's value text as a plain decimal; an empty box is 0. An amount beyond the
+// currency range names its box (its label's caption).
+QString amount(const QString& valueText, const QString& boxLabel) {
     if (valueText.trimmed().isEmpty()) return u"0"_s;
-    return AmountCurrency(LatinDigits(valueText)).toString();
+    try {
+        return AmountCurrency(LatinDigits(valueText)).toString();
+    } catch (const KavError& e) {
+        if (e.kind() != KavError::Kind::Overflow) throw;
+        throw KavError(e.kind(), AmountBeyondRangeText(valueText, QString(boxLabel).remove(u':')));
+    }
 }
 
 // A Jalali date text between quotes.
@@ -27,9 +33,7 @@ QString farsi(const QString& text) { return SqlQuote(text); }
 
 QString count(const QString& payBackNumber) {
     const std::optional<QString> sql = CountSql(payBackNumber);
-    if (!sql)
-        throw KavError(KavError::Kind::TypeMismatch,
-                       editor_texts::CountNotWholeError.arg(payBackNumber.trimmed()));
+    if (!sql) throw KavError(KavError::Kind::TypeMismatch, CountProblem(payBackNumber));
     return *sql;
 }
 
@@ -43,6 +47,15 @@ std::optional<QString> CountSql(const QString& payBackNumber) {
     const qint64 value = text.toLongLong();
     if (value > 2147483647) return std::nullopt;
     return number(value);
+}
+
+QString CountProblem(const QString& payBackNumber) {
+    if (CountSql(payBackNumber)) return {};
+    const QString typed = payBackNumber.trimmed();
+    static const QRegularExpression negative(u"^-\\s*[0-9]+$"_s);
+    return negative.match(LatinDigits(typed)).hasMatch()
+               ? editor_texts::CountNegativeError.arg(typed)
+               : editor_texts::CountNotWholeError.arg(typed);
 }
 
 QString MemberList(const LoanRecord& loan) {
@@ -68,7 +81,8 @@ QString InsertHeader(const data::SqlDialect& dialect, const LoanRecord& loan) {
            number(loan.typeId) + u", '"_s + dialect.dateText(loan.payDate) + u"', '"_s +
            farsi(loan.farsiPayDate) + u"', '"_s + dialect.dateText(loan.beginDate) + u"', '"_s +
            farsi(loan.farsiEndDate) + u"', '"_s + dialect.dateText(loan.endDate) + u"', '"_s +
-           dialect.dateText(loan.endDate) + u"', "_s + amount(loan.loanValue) + u")"_s;
+           dialect.dateText(loan.endDate) + u"', "_s +
+           amount(loan.loanValue, editor_texts::LabelRequestedValue) + u")"_s;
 }
 
 QString InsertHeaderReturningId(const data::SqlDialect& dialect, const LoanRecord& loan) {
@@ -99,8 +113,10 @@ QStringList Writes(const data::SqlDialect& dialect, const LoanRecord& loan, qint
                       farsi(loan.farsiBeginDate) + u"'"_s + u", EndDate = '"_s +
                       dialect.dateText(loan.endDate) + u"'"_s + u", FarsiEndDate = '"_s +
                       farsi(loan.farsiEndDate) + u"'"_s + u", OriginalLoanValue="_s +
-                      amount(loan.originalValue) + u", MonthlyValue="_s +
-                      amount(loan.monthlyValue) + u", LoanValue="_s + amount(loan.loanValue) +
+                      amount(loan.originalValue, editor_texts::LabelOriginalValue) +
+                      u", MonthlyValue="_s +
+                      amount(loan.monthlyValue, editor_texts::LabelPerMonth) + u", LoanValue="_s +
+                      amount(loan.loanValue, editor_texts::LabelRequestedValue) +
                       u", PayBackNumber="_s + count(loan.payBackNumber) +
                       u", UseRemainedValueInFirstMonth="_s + number(loan.remainderOption) +
                       u", Notes="_s + notes + u" Where ID= "_s + number(loanId);

@@ -47,6 +47,8 @@ struct LoanRecord {
 // number it reads as (Persian and Arabic-Indic digits are digits). Nothing when it is not a
 // whole number from 0 to 2147483647: such a count is refused before anything is written.
 std::optional<QString> CountSql(const QString& payBackNumber);
+// Why CountSql refuses a count (a negative count as negative), or "" when it does not.
+QString CountProblem(const QString& payBackNumber);
 
 // The members' IDs joined with "," in grid order.
 QString MemberList(const LoanRecord& loan);

@@ -27,7 +27,7 @@ bool isAmountKey(int keyAscii) {
 double finite(double value) {
     if (!std::isfinite(value))
         throw KavError(KavError::Kind::Overflow,
-                       u"سرريز عددي: حاصل محاسبه اقساط خارج از محدوده است (Overflow)."_s);
+                       u"سرريز عددي: حاصل محاسبه اقساط خارج از محدوده است."_s);
     return value;
 }
 
@@ -101,6 +101,24 @@ void countFromPerMonth(const TermsFields& f, TermsUpdate& u) {
 }
 
 }  // namespace
+
+void RequireAmountsInRange(const TermsFields& f) {
+    namespace T = editor_texts;
+    const std::pair<const QString*, QString> boxes[] = {
+        {&f.originalValueValue, T::LabelOriginalValue},
+        {&f.loanValueValue, T::LabelRequestedValue},
+        {&f.perMonthValue, T::LabelPerMonth}};
+    for (const auto& [value, label] : boxes) {
+        if (isBlank(*value)) continue;
+        try {
+            AmountCurrency(*value);
+        } catch (const KavError& e) {
+            if (e.kind() == KavError::Kind::Overflow)
+                throw KavError(e.kind(),
+                               AmountBeyondRangeText(*value, QString(label).remove(u':')));
+        }
+    }
+}
 
 QString CeilingText(const QVariant& maxValue) {
     if (maxValue.isNull()) return {};

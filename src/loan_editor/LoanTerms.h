@@ -34,6 +34,10 @@ struct TermsFields {
     QString beginDate;           // datBeginDate farsidate, "" when no date is set
 };
 
+// An amount box beyond the currency range stops a rule before it computes: the error names the
+// first such box (original amount, amount, instalment) and the largest amount allowed.
+void RequireAmountsInRange(const TermsFields& f);
+
 // What a handler writes back; an empty member leaves its control alone.
 struct TermsUpdate {
     std::optional<Message> warning;        // shown before the writes

@@ -18,6 +18,8 @@ QString AmountBound(const QString& text, const QString& box) {
     try {
         return vb::CCur(plain).toString();
     } catch (const KavError& e) {
+        if (e.kind() == KavError::Kind::Overflow)
+            throw KavError(e.kind(), AmountBeyondRangeText(text, box));
         throw KavError(e.kind(), T::AmountNotNumber.arg(box, text));
     }
 }

@@ -252,6 +252,10 @@ TEST_F(EditorTest, ThePastedCountTakesDigitsOfEveryScriptAndRefusesTheRestAsDoes
     EXPECT_EQ(Snapshot(), before);
     EXPECT_EQ(mode(), ModeNew);
     w.txtPayBackNumber->clear();
+    paste(w.txtPayBackNumber, u"-۱۲"_s);
+    w.cmdRegSave->click();
+    EXPECT_EQ(Shown(), QStringList{u"خطا: تعداد اقساط «-۱۲» منفي است؛ وام ثبت نشد."_s});
+    w.txtPayBackNumber->clear();
     paste(w.txtPayBackNumber, u"۱۲"_s);
     w.cmdRegSave->click();
     EXPECT_EQ(Shown(), QStringList());
@@ -260,13 +264,15 @@ TEST_F(EditorTest, ThePastedCountTakesDigitsOfEveryScriptAndRefusesTheRestAsDoes
                      w.txtID->text()),
               u"2500 3000 12"_s);
 
-    // An amount past the largest the database holds: a clear message, nothing written.
+    // An amount past the largest the currency holds: the box and the largest amount named,
+    // nothing written.
     const QString saved = Snapshot();
     w.cmdEdit_Click();
     w.txtLoanValue->lineEdit()->selectAll();
     paste(w.txtLoanValue->lineEdit(), u"99999999999999999999"_s);
     w.cmdRegSave->click();
-    EXPECT_EQ(Shown(), QStringList{u"خطا: سرريز عددي: مقدار خارج از محدوده است (Overflow)."_s});
+    EXPECT_EQ(Shown(), QStringList{u"خطا: مبلغ «99999999999999999999» در «مانده اول ماه» از "
+                                   "بزرگ\u200Cترين مبلغ ممکن (922/337/203/685/477) بيشتر است."_s});
     EXPECT_EQ(Snapshot(), saved);
     EXPECT_EQ(mode(), ModeEdit);
 }

@@ -325,7 +325,8 @@ TEST(SearchQuery, EveryCriterionAddsItsFragmentInItsOrder) {
         {{.loanValueTo = u" "_s}, u"مبلغ « » در «مبلغ تا» عدد نيست."_s},
         {{.perMonthFrom = u"."_s}, u"مبلغ «.» در «مبلغ ماهيانه از» عدد نيست."_s},
         {{.perMonthTo = u"99999999999999999999"_s},
-         u"مبلغ «99999999999999999999» در «مبلغ ماهيانه تا» عدد نيست."_s},
+         u"مبلغ «99999999999999999999» در «مبلغ ماهيانه تا» از بزرگ\u200Cترين مبلغ ممکن "
+         "(922/337/203/685/477) بيشتر است."_s},
     };
     for (const auto& [criteria, message] : bad) {
         QString raised;

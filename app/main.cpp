@@ -325,6 +325,11 @@ int main(int argc, char** argv) {
                 u"ويژگي‌هاي ذخيره شده را پاک مي‌کند (%1)."_s.arg(
                     settings.fileName()));
 
+        // On the demo database the loan window's caption says so.
+        if (control.OLEConnectionstring() ==
+            kav::data::EmbeddedConnectionString(demoDatabasePath()))
+            module->SetCaptionNote(u" - پايگاه داده نمايشي"_s);
+
         // The properties are kept once the module has opened with them; a demo run keeps
         // none, so it never replaces a real configuration.
         const bool keep = !demoRun;

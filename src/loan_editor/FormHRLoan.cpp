@@ -572,7 +572,7 @@ void FormHRLoan::Clear() {
 void FormHRLoan::DisableLockComponent() {
     const qint32 mode = module_.session.LoanFormMode;
     if (mode < 0 || mode > 3) return;
-    setWindowTitle(loan_modes::EditorTitle(mode));
+    setWindowTitle(loan_modes::EditorTitle(mode) + module_.CaptionNote());
     stbLoan->ShowMode(mode);
     modes::Apply(*this, loan_modes::EditorTable(), mode, txtCode->text());
 }

@@ -56,6 +56,11 @@ public:
     // Connection::SetLockWaitHook); kept for the data environments made later. Empty: none.
     void SetLockWaitHook(std::function<void()> hook);
 
+    // Words the loan window adds to its caption after the mode's title: the application says
+    // so when it runs on the demo database. Empty for a host.
+    void SetCaptionNote(const QString& note) { captionNote_ = note; }
+    const QString& CaptionNote() const { return captionNote_; }
+
     void SetModalRunner(ModalRunner runner) { modal_ = std::move(runner); }
     int ShowModal(QDialog& dialog) const;
 
@@ -100,6 +105,7 @@ private:
     std::unique_ptr<DataEnvironment> dtEn_;
     MessageFactory messages_;
     ModalRunner modal_;
+    QString captionNote_;
     std::function<void()> lockWaitHook_;
     std::map<std::type_index, std::unique_ptr<QObject>> windows_;
     std::map<std::type_index, std::function<void*(Module&)>> ports_;

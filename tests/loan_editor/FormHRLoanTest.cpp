@@ -88,6 +88,10 @@ TEST_F(EditorTest, EveryControlInEveryModeForTemporaryAndFinalLoans) {
             }
         }
     }
+    // The application running on the demo database says so after the mode's title.
+    t.module.SetCaptionNote(u" - پايگاه داده نمايشي"_s);
+    w.DisableLockComponent();
+    EXPECT_EQ(w.windowTitle(), u"وام کارمندان - پايگاه داده نمايشي"_s);
 }
 
 TEST_F(EditorTest, EachCommandNeedsItsOwnPermission) {

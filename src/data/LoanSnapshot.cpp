@@ -115,6 +115,16 @@ std::optional<qint64> Integer(const QJsonValue& value) {
     return value.toInteger();
 }
 
+QString NumberText(const QJsonValue& value) {
+    if (!value.isDouble()) return {};
+    const double d = value.toDouble();
+    if (d == double(value.toInteger())) return QString::number(value.toInteger());
+    QString text = QString::number(d, 'f', 4);
+    while (text.endsWith(u'0')) text.chop(1);
+    if (text.endsWith(u'.')) text.chop(1);
+    return text;
+}
+
 State Parse(const QString& text) {
     State state;
     if (text.isEmpty()) return state;

@@ -66,6 +66,8 @@ State Parse(const QString& text);
 
 // A number of a snapshot (an ID, a code): nothing for null.
 std::optional<qint64> Integer(const QJsonValue& value);
+// A number as plain decimal text, without an exponent ("12500000.5"); empty for no number.
+QString NumberText(const QJsonValue& value);
 
 // The reads of a snapshot's parts (the same text on every database).
 QString LoanQuery(qint32 loanId);

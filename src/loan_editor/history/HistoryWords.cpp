@@ -61,10 +61,7 @@ const QList<Field>& fields() {
 
 QString plain(const QJsonValue& v) {
     if (v.isNull() || v.isUndefined()) return kEmpty;
-    if (v.isDouble()) {
-        const double d = v.toDouble();
-        return d == double(v.toInteger()) ? QString::number(v.toInteger()) : QString::number(d);
-    }
+    if (v.isDouble()) return snapshot::NumberText(v);
     const QString text = v.toString();
     return text.trimmed().isEmpty() ? kEmpty : text;
 }

@@ -12,16 +12,6 @@ namespace snapshot = data::snapshot;
 
 namespace {
 
-QString numberText(const QJsonValue& v) {
-    if (!v.isDouble()) return {};
-    const double d = v.toDouble();
-    if (d == double(v.toInteger())) return QString::number(v.toInteger());
-    QString text = QString::number(d, 'f', 4);
-    while (text.endsWith(u'0')) text.chop(1);
-    if (text.endsWith(u'.')) text.chop(1);
-    return text;
-}
-
 QDate dateOf(const QJsonValue& v) { return QDate::fromString(v.toString(), u"yyyy-MM-dd"_s); }
 
 }  // namespace
@@ -38,10 +28,10 @@ loan_save::LoanRecord RecordOf(const QString& snapshotText) {
     r.farsiPayDate = loan.value(u"FarsiPaymentDate"_s).toString();
     r.farsiBeginDate = loan.value(u"FarsiBeginDate"_s).toString();
     r.farsiEndDate = loan.value(u"FarsiEndDate"_s).toString();
-    r.loanValue = numberText(loan.value(u"LoanValue"_s));
-    r.originalValue = numberText(loan.value(u"OriginalLoanValue"_s));
-    r.monthlyValue = numberText(loan.value(u"MonthlyValue"_s));
-    r.payBackNumber = numberText(loan.value(u"PayBackNumber"_s));
+    r.loanValue = snapshot::NumberText(loan.value(u"LoanValue"_s));
+    r.originalValue = snapshot::NumberText(loan.value(u"OriginalLoanValue"_s));
+    r.monthlyValue = snapshot::NumberText(loan.value(u"MonthlyValue"_s));
+    r.payBackNumber = snapshot::NumberText(loan.value(u"PayBackNumber"_s));
     r.remainderOption = int(snapshot::Integer(loan.value(u"UseRemainedValueInFirstMonth"_s)).value_or(0));
     r.notes = loan.value(u"Notes"_s).toString();
     for (const snapshot::Member& m : state.members) {

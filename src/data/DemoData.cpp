@@ -400,14 +400,15 @@ snapshot::Parts storedLoan(Writer& w, int loanId) {
     const auto loan = w.rows(snapshot::LoanQuery(loanId));
     if (!loan.isEmpty()) parts.loan = snapshot::RowObject(snapshot::LoanColumns(), loan.first());
     for (const QVariantList& m : w.rows(snapshot::MembersQuery(loanId)))
-        parts.members.append(snapshot::RowObject(snapshot::MemberColumns(), m));
+        parts.members << snapshot::MemberOf(m);
     return parts;
 }
 
-QJsonObject member(int employee, int guarantor) {
-    const QVariantList values{employee, guarantor ? QVariant(guarantor) : QVariant(), QVariant(),
-                              QVariant()};
-    return snapshot::RowObject(snapshot::MemberColumns(), values);
+snapshot::Member member(int employee, int guarantor) {
+    snapshot::Member m;
+    m.employeeId = employee;
+    if (guarantor) m.guarantors[0] = guarantor;
+    return m;
 }
 
 struct Change {
@@ -453,15 +454,13 @@ void writeHistory(Writer& w) {
     first9.loan->insert(u"LoanValue"_s, 65'000'000);
     first9.loan->insert(u"OriginalLoanValue"_s, 65'000'000);
     first9.loan->insert(u"MonthlyValue"_s, 4'640'000);
-    first9.members = QJsonArray{member(52, 53), member(54, 57)};
+    first9.members = {member(52, 53), member(54, 57)};
     snapshot::Parts new9 = first9;
-    new9.members = QJsonArray();
+    new9.members.clear();
 
     const snapshot::Parts now12 = storedLoan(w, 12);
     snapshot::Parts before12 = now12;
-    QJsonArray members12 = now12.members;
-    members12.append(member(7, 8));
-    before12.members = members12;
+    before12.members << member(7, 8);
 
     // Loan 14: stored, then deleted; its ID is never handed out again.
     w.exec(
@@ -508,8 +507,12 @@ void writeParametersAndUsers(Writer& w) {
 
 void fill(QSqlDatabase& db) {
     Writer w(db);
-    if (HasEmbeddedSchema(db) && w.scalar(u"select count(*) from tblEmployee"_s).toInt() > 0)
-        return;  // already a demo (or real) database: leave it
+    if (HasEmbeddedSchema(db) && w.scalar(u"select count(*) from tblEmployee"_s).toInt() > 0) {
+        // Already a demo (or real) database: its rows are left alone; only what the module
+        // has added since it was made (the history table) is created.
+        CreateEmbeddedSchema(db);
+        return;
+    }
     CreateEmbeddedSchema(db);
     if (!db.transaction()) throw KavError(KavError::Kind::Database, db.lastError().text());
     try {

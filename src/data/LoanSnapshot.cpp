@@ -99,15 +99,60 @@ QJsonObject RowObject(const QList<Column>& columns, const QVariantList& values) 
     return row;
 }
 
+Member MemberOf(const QVariantList& values) {
+    Member m;
+    m.employeeId = Integer(Value(values.value(0), Kind::Integer)).value_or(-1);
+    for (int g = 0; g < 3; ++g)
+        m.guarantors[std::size_t(g)] = Integer(Value(values.value(g + 1), Kind::Integer));
+    return m;
+}
+
+namespace {
+
+// An object as the compact JSON text QJsonDocument writes.
+QByteArray compact(const QJsonObject& object) {
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+void appendNumber(QByteArray& out, const std::optional<qint64>& n) {
+    if (n)
+        out += QByteArray::number(*n);
+    else
+        out += "null";
+}
+
+}  // namespace
+
 QString Text(const Parts& parts) {
     if (!parts.loan && !parts.adjustment) return {};
-    QJsonObject root;
-    root.insert(u"loan"_s, parts.loan ? QJsonValue(*parts.loan) : QJsonValue(QJsonValue::Null));
-    root.insert(u"members"_s, parts.members);
-    if (parts.withAdjustment)
-        root.insert(u"adjustment"_s,
-                    parts.adjustment ? QJsonValue(*parts.adjustment) : QJsonValue(QJsonValue::Null));
-    return QString::fromUtf8(QJsonDocument(root).toJson(QJsonDocument::Compact));
+    // Written as QJsonDocument writes the whole (keys in order, no blanks); the members, a
+    // thousand of them on a large loan, straight into the text.
+    QByteArray out;
+    out.reserve(200 + parts.members.size() * 100);
+    out += '{';
+    if (parts.withAdjustment) {
+        out += "\"adjustment\":";
+        out += parts.adjustment ? compact(*parts.adjustment) : QByteArray("null");
+        out += ',';
+    }
+    out += "\"loan\":";
+    out += parts.loan ? compact(*parts.loan) : QByteArray("null");
+    out += ",\"members\":[";
+    for (qsizetype i = 0; i < parts.members.size(); ++i) {
+        const Member& m = parts.members[i];
+        if (i > 0) out += ',';
+        out += "{\"EmployeeID\":";
+        appendNumber(out, m.employeeId);
+        for (int g = 0; g < 3; ++g) {
+            out += ",\"SupporterEmployeeID";
+            out += char('1' + g);
+            out += "\":";
+            appendNumber(out, m.guarantors[std::size_t(g)]);
+        }
+        out += '}';
+    }
+    out += "]}";
+    return QString::fromUtf8(out);
 }
 
 std::optional<qint64> Integer(const QJsonValue& value) {

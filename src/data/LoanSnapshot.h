@@ -39,22 +39,25 @@ QJsonValue Value(const QVariant& value, Kind kind);
 // A row, its values in the order of the columns.
 QJsonObject RowObject(const QList<Column>& columns, const QVariantList& values);
 
-// The parts of one snapshot.
-struct Parts {
-    std::optional<QJsonObject> loan;  // nothing: the loan is not (or no longer) stored
-    QJsonArray members;
-    bool withAdjustment = false;            // an adjustment command's snapshot
-    std::optional<QJsonObject> adjustment;  // nothing: no such adjustment row
-};
-// The text; a null text when there is neither a loan nor an adjustment.
-QString Text(const Parts& parts);
-
 // One member as a snapshot names him.
 struct Member {
     qint64 employeeId = -1;
     std::array<std::optional<qint64>, 3> guarantors;
     bool operator==(const Member&) const = default;
 };
+
+// A member row read from the database (EmployeeID, SupporterEmployeeID1-3).
+Member MemberOf(const QVariantList& values);
+
+// The parts of one snapshot.
+struct Parts {
+    std::optional<QJsonObject> loan;  // nothing: the loan is not (or no longer) stored
+    QList<Member> members;            // in the order of MembersQuery
+    bool withAdjustment = false;            // an adjustment command's snapshot
+    std::optional<QJsonObject> adjustment;  // nothing: no such adjustment row
+};
+// The text; a null text when there is neither a loan nor an adjustment.
+QString Text(const Parts& parts);
 
 // A snapshot read back. A null or unreadable text is a loan that is not there.
 struct State {

@@ -58,7 +58,14 @@ bool readLoan(Connection& cnt, qint32 loanId, snapshot::Parts& parts) {
         parts.loan = rowOf(rows, snapshot::LoanColumns());
     }
     RowReader rows(cnt, snapshot::MembersQuery(loanId));
-    while (rows.Next()) parts.members.append(rowOf(rows, snapshot::MemberColumns()));
+    // Four whole numbers a row, read as such (a large loan has a thousand rows).
+    while (rows.Next()) {
+        snapshot::Member m;
+        m.employeeId = rows.IsNull(0) ? -1 : rows.Fields(0).toLongLong();
+        for (int g = 0; g < 3; ++g)
+            if (!rows.IsNull(g + 1)) m.guarantors[std::size_t(g)] = rows.Fields(g + 1).toLongLong();
+        parts.members << m;
+    }
     return true;
 }
 

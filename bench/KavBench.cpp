@@ -25,6 +25,7 @@
 #include "base/Errors.h"
 #include "controls/FlexGrid.h"
 #include "data/DemoData.h"
+#include "data/LoanSnapshot.h"
 #include "data/SqlDialect.h"
 #include "loan_editor/FormHRLoan.h"
 #include "loan_editor/LoanEditorSql.h"
@@ -32,7 +33,6 @@
 #include "search/FormSearch.h"
 #include "search/SearchGrid.h"
 #include "search/SearchSql.h"
-#include "data/LoanSnapshot.h"
 #include "session/DataEnvironment.h"
 #include "session/LoanHistory.h"
 #include "session/Module.h"
@@ -407,29 +407,33 @@ void finalSave(Context& ctx) {
     auto plainModule = moduleOn(plainFile);
     kav::Connection& plainCnt = plainModule->DtEn().cnt();
 
-    const std::vector<double> t = Rotate(ctx.reps * 2,
-                                         {[&] { rawSave(raw, true); }, [&] { moduleSave(cnt); },
-                                          [&] { raw.stepAll(overlap, {u"EmployeeID"_s}); },
-                                          [&] { rawSave(plainRaw, false); },
-                                          [&] { moduleSave(plainCnt); }},
-                                         // On a connection of its own, so that both
-                                         // contenders find the other's writes alike.
-                                         [&] {
-                                             reset.exec(backToTemporary);
-                                             plainReset.exec(backToTemporary);
-                                         });
-    ctx.table.add({u"final save of the 1,000-member loan (overlap check and history row included)"_s,
-                   u"ms"_s,
-                   t[1],
-                   t[0],
-                   {{Target::Kind::AtMost, 50}, {Target::Kind::RatioAtMost, 1.5}},
-                   {}});
+    const std::vector<double> t =
+        Rotate(ctx.reps * 2,
+               {[&] { rawSave(raw, true); }, [&] { moduleSave(cnt); },
+                [&] { raw.stepAll(overlap, {u"EmployeeID"_s}); }, [&] { rawSave(plainRaw, false); },
+                [&] { moduleSave(plainCnt); }},
+               // On a connection of its own, so that both
+               // contenders find the other's writes alike.
+               [&] {
+                   reset.exec(backToTemporary);
+                   plainReset.exec(backToTemporary);
+               });
+    ctx.table.add(
+        {u"final save of the 1,000-member loan (overlap check and history row included)"_s,
+         u"ms"_s,
+         t[1],
+         t[0],
+         {{Target::Kind::AtMost, 50}, {Target::Kind::RatioAtMost, 1.5}},
+         {}});
     ctx.table.add({u"  sqlite3 C library: the overlap query alone"_s, u"ms"_s, t[2], t[0], {}, {}});
-    ctx.table.add({u"  the same save where the database keeps no history"_s, u"ms"_s, t[4], t[3],
-                   {}, {}});
-    ctx.table.add({u"  the history row's before and after texts"_s, u"KB"_s,
+    ctx.table.add(
+        {u"  the same save where the database keeps no history"_s, u"ms"_s, t[4], t[3], {}, {}});
+    ctx.table.add({u"  the history row's before and after texts"_s,
+                   u"KB"_s,
                    double(row.before.toUtf8().size() + row.after.toUtf8().size()) / 1024.0,
-                   std::nullopt, {}, {}});
+                   std::nullopt,
+                   {},
+                   {}});
 
     // The same statements on a copy of the database in the other journal mode, for comparison.
     const QString copyFile = QDir(ctx.workDir).filePath(u"save-journal.db"_s);

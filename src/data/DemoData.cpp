@@ -435,7 +435,8 @@ void writeChange(Writer& w, const Change& c) {
         {c.loan, QVariant(QMetaType::fromType<int>()),
          code.isDouble() ? QVariant(code.toInteger()) : QVariant(QMetaType::fromType<qint64>()),
          snapshot::CommandCode(c.command), int(DemoUserWithPermissions), 0, c.employee,
-         QString::fromUtf16(c.atUtc), before.isNull() ? QVariant(QMetaType::fromType<QString>()) : before,
+         QString::fromUtf16(c.atUtc),
+         before.isNull() ? QVariant(QMetaType::fromType<QString>()) : before,
          after.isNull() ? QVariant(QMetaType::fromType<QString>()) : after});
 }
 
@@ -472,9 +473,10 @@ void writeHistory(Writer& w) {
         {dateValue({1403, 6, 10}), dateValue({1403, 6, 31}), dateValue({1404, 2, 31}),
          u"خريد يخچال"_s});
     for (const auto& [employee, guarantor] : {std::pair{18, 20}, std::pair{21, 0}})
-        w.exec(u"insert into tblHRLoanDetail (LoanID, EmployeeID, SupporterEmployeeID1) values "
-               u"(14, ?, ?)"_s,
-               {employee, guarantor ? QVariant(guarantor) : QVariant(QMetaType::fromType<int>())});
+        w.exec(
+            u"insert into tblHRLoanDetail (LoanID, EmployeeID, SupporterEmployeeID1) values "
+            u"(14, ?, ?)"_s,
+            {employee, guarantor ? QVariant(guarantor) : QVariant(QMetaType::fromType<int>())});
     const snapshot::Parts deleted14 = storedLoan(w, 14);
     snapshot::Parts final14 = deleted14;  // for a day it was final, with the number 10
     final14.loan->insert(u"Code"_s, 10);

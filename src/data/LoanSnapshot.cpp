@@ -42,14 +42,10 @@ const QList<Column>& MemberColumns() {
 
 const QList<Column>& AdjustmentColumns() {
     static const QList<Column> columns = {
-        {u"ID"_s, Kind::Integer},
-        {u"LoanID"_s, Kind::Integer},
-        {u"EmployeeID"_s, Kind::Integer},
-        {u"BeginDate"_s, Kind::Date},
-        {u"FarsiBeginDate"_s, Kind::Text},
-        {u"EndDate"_s, Kind::Date},
-        {u"FarsiEndDate"_s, Kind::Text},
-        {u"MonthlyDebit"_s, Kind::Amount},
+        {u"ID"_s, Kind::Integer},          {u"LoanID"_s, Kind::Integer},
+        {u"EmployeeID"_s, Kind::Integer},  {u"BeginDate"_s, Kind::Date},
+        {u"FarsiBeginDate"_s, Kind::Text}, {u"EndDate"_s, Kind::Date},
+        {u"FarsiEndDate"_s, Kind::Text},   {u"MonthlyDebit"_s, Kind::Amount},
     };
     return columns;
 }
@@ -95,7 +91,8 @@ QJsonValue Value(const QVariant& value, Kind kind) {
 QJsonObject RowObject(const QList<Column>& columns, const QVariantList& values) {
     QJsonObject row;
     for (int c = 0; c < columns.size(); ++c)
-        row.insert(columns[c].name, Value(c < values.size() ? values[c] : QVariant(), columns[c].kind));
+        row.insert(columns[c].name,
+                   Value(c < values.size() ? values[c] : QVariant(), columns[c].kind));
     return row;
 }
 
@@ -220,8 +217,8 @@ QString AdjustmentQuery(qint32 adjustmentId) {
 QString HistoryTable() { return u"tblHRLoanHistory"_s; }
 
 QStringList HistoryColumns() {
-    return {u"ID"_s,         u"LoanID"_s,     u"RestoredFromLoanID"_s, u"LoanCode"_s,
-            u"Command"_s,    u"UserID"_s,     u"PositionID"_s,         u"EmployeeID"_s,
+    return {u"ID"_s,           u"LoanID"_s,     u"RestoredFromLoanID"_s, u"LoanCode"_s,
+            u"Command"_s,      u"UserID"_s,     u"PositionID"_s,         u"EmployeeID"_s,
             u"ChangedAtUtc"_s, u"LoanBefore"_s, u"LoanAfter"_s};
 }
 

@@ -51,8 +51,8 @@ Member MemberOf(const QVariantList& values);
 
 // The parts of one snapshot.
 struct Parts {
-    std::optional<QJsonObject> loan;  // nothing: the loan is not (or no longer) stored
-    QList<Member> members;            // in the order of MembersQuery
+    std::optional<QJsonObject> loan;        // nothing: the loan is not (or no longer) stored
+    QList<Member> members;                  // in the order of MembersQuery
     bool withAdjustment = false;            // an adjustment command's snapshot
     std::optional<QJsonObject> adjustment;  // nothing: no such adjustment row
 };

@@ -38,7 +38,9 @@ bool IsKept(Connection& cnt) {
 
 QString InsertRow(const data::SqlDialect& dialect, const Row& row) {
     const bool server = dialect.kind() == data::DatabaseKind::SqlServer;
-    const auto text = [&](const QString& t) { return t.isNull() ? u"Null"_s : dialect.typedText(t); };
+    const auto text = [&](const QString& t) {
+        return t.isNull() ? u"Null"_s : dialect.typedText(t);
+    };
     return u"insert into tblHRLoanHistory (LoanID, RestoredFromLoanID, LoanCode, Command, UserID, "
            u"PositionID, EmployeeID, ChangedAtUtc, LoanBefore, LoanAfter) Values ("_s +
            number(row.loanId) + u", "_s + orNull(row.restoredFrom) + u", "_s + orNull(row.code) +
@@ -92,7 +94,8 @@ Snapshot ReadAdjustment(Connection& cnt, qint32 loanId, qint32 adjustmentId) {
         RowReader rows(cnt, snapshot::AdjustmentQuery(adjustmentId));
         if (rows.Next()) {
             parts.adjustment = rowOf(rows, snapshot::AdjustmentColumns());
-            loanId = qint32(snapshot::Integer(parts.adjustment->value(u"LoanID"_s)).value_or(loanId));
+            loanId =
+                qint32(snapshot::Integer(parts.adjustment->value(u"LoanID"_s)).value_or(loanId));
         }
     }
     if (loanId >= 0) readLoan(cnt, loanId, parts);
@@ -117,9 +120,9 @@ void Recorder::Before(qint32 loanId, qint32 adjustmentId) {
 bool Recorder::After(qint32 loanId, qint32 adjustmentId) {
     if (!kept_) return false;
     // A deleted adjustment's loan is the one it belonged to before.
-    const Snapshot after = read(before_.loanId >= 0 && IsAdjustmentCommand(command_) ? before_.loanId
-                                                                                      : loanId,
-                                adjustmentId);
+    const Snapshot after =
+        read(before_.loanId >= 0 && IsAdjustmentCommand(command_) ? before_.loanId : loanId,
+             adjustmentId);
     if (after.text == before_.text && after.text.isNull() == before_.text.isNull()) return false;
     Row row;
     row.loanId = after.loanId >= 0 ? after.loanId : before_.loanId;

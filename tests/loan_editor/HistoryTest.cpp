@@ -53,7 +53,9 @@ struct Bench {
     FormHRLoan& editor() { return t.module.Window<FormHRLoan>(); }
     FormHRException& adjustment() { return t.module.Window<FormHRException>(); }
     Connection& cnt() { return t.module.DtEn().cnt(); }
-    QList<Row> history() const { return t.db.rows(u"select * from tblHRLoanHistory order by ID"_s); }
+    QList<Row> history() const {
+        return t.db.rows(u"select * from tblHRLoanHistory order by ID"_s);
+    }
     TestModule t;
     FakeEditor fakeEditor;
 };
@@ -76,7 +78,8 @@ void pickOnModal(Bench& b, qint32 employee, std::array<qint32, 3> guarantors) {
 }
 
 const WriteCase kWrites[] = {
-    {"temporary save of a new loan", false,
+    {"temporary save of a new loan",
+     false,
      [](Bench& b) {
          FormHRLoan& w = b.editor();
          w.cmdNew_Click();
@@ -85,12 +88,17 @@ const WriteCase kWrites[] = {
          w.txtPayBackNumber->setText(u"4"_s);
          w.datEndDate->setFarsidate(u"1403/09/30"_s);
      },
-     [](Bench& b) { b.editor().cmdRegSave->click(); }, 6, -1, u"temporary-save"_s, QVariant(),
+     [](Bench& b) { b.editor().cmdRegSave->click(); },
+     6,
+     -1,
+     u"temporary-save"_s,
+     QVariant(),
      {u"نوع وام: ضروري"_s, u"تاريخ پرداخت: 1403/05/20"_s, u"تاريخ شروع قسط: 1403/05/31"_s,
       u"تاريخ تسويه: 1403/09/30"_s, u"مبلغ اوليه: 0"_s, u"مانده اول ماه: 2000"_s,
       u"تعداد اقساط: 4"_s, u"اقساط ماهيانه: 0"_s,
       u"پرداخت مانده اقساط در: ماه جداگانه در آخرين ماه"_s}},
-    {"final save of an edited loan with a member added", false,
+    {"final save of an edited loan with a member added",
+     false,
      [](Bench& b) {
          FormHRLoan& w = b.editor();
          w.ViewPRSLoansInfo(TemporaryLoan);
@@ -99,19 +107,36 @@ const WriteCase kWrites[] = {
          pickOnModal(b, 3, {2, -1, -1});
          w.cmdAddEmp_Click();
      },
-     [](Bench& b) { b.editor().cmdFinSave->click(); }, 1, -1, u"final-save"_s, 8,
+     [](Bench& b) { b.editor().cmdFinSave->click(); },
+     1,
+     -1,
+     u"final-save"_s,
+     8,
      {u"شماره وام: خالي ← 8"_s, u"ملاحظات: وام مسکن ← وام مسکن، تمديد شده"_s,
       u"کارمند افزوده شد: حسن کريمي (ضامن: مريم احمدي)"_s}},
-    {"delete", false, [](Bench& b) { b.editor().ViewPRSLoansInfo(SeparateLoan); },
-     [](Bench& b) { b.editor().cmdDelete->click(); }, 4, -1, u"delete"_s, QVariant(),
+    {"delete",
+     false,
+     [](Bench& b) { b.editor().ViewPRSLoansInfo(SeparateLoan); },
+     [](Bench& b) { b.editor().cmdDelete->click(); },
+     4,
+     -1,
+     u"delete"_s,
+     QVariant(),
      {u"نوع وام: قرض الحسنه"_s, u"تاريخ پرداخت: 1403/01/06"_s, u"تاريخ شروع قسط: 1403/01/31"_s,
       u"تاريخ تسويه: 1403/03/31"_s, u"مبلغ اوليه: 1000"_s, u"مانده اول ماه: 1000"_s,
       u"تعداد اقساط: 3"_s, u"اقساط ماهيانه: 300"_s,
       u"پرداخت مانده اقساط در: ماه جداگانه در آخرين ماه"_s}},
-    {"back to temporary", false, [](Bench& b) { b.editor().ViewPRSLoansInfo(FinalLoan); },
-     [](Bench& b) { b.editor().cmdBacktoTemp->click(); }, 2, -1, u"back-to-temporary"_s, 7,
+    {"back to temporary",
+     false,
+     [](Bench& b) { b.editor().ViewPRSLoansInfo(FinalLoan); },
+     [](Bench& b) { b.editor().cmdBacktoTemp->click(); },
+     2,
+     -1,
+     u"back-to-temporary"_s,
+     7,
      {u"شماره وام: 7 ← خالي"_s}},
-    {"member removal", false,
+    {"member removal",
+     false,
      [](Bench& b) {
          FormHRLoan& w = b.editor();
          w.ViewPRSLoansInfo(TemporaryLoan);
@@ -119,9 +144,14 @@ const WriteCase kWrites[] = {
          w.FlexEmployee->setRow(2);
          w.FlexEmployee_RowColChange();
      },
-     [](Bench& b) { b.editor().cmdDeleteEmp->click(); }, 1, -1, u"remove-member"_s, QVariant(),
+     [](Bench& b) { b.editor().cmdDeleteEmp->click(); },
+     1,
+     -1,
+     u"remove-member"_s,
+     QVariant(),
      {u"کارمند حذف شد: زهرا موسوي"_s}},
-    {"new adjustment", true,
+    {"new adjustment",
+     true,
      [](Bench& b) {
          b.t.module.port<AdjustmentPort>().ShowBalance(u"1"_s, 2);
          FormHRException& w = b.adjustment();
@@ -131,9 +161,14 @@ const WriteCase kWrites[] = {
          w.gdcBalancePT->setFarsidate(u"1402/06/31"_s);
          w.TxtPerMonth->setText(u"1000"_s);
      },
-     [](Bench& b) { b.adjustment().cmdSave->click(); }, 1, 3, u"adjustment-new"_s, 4,
+     [](Bench& b) { b.adjustment().cmdSave->click(); },
+     1,
+     3,
+     u"adjustment-new"_s,
+     4,
      {u"تعديل جديد: «مريم احمدي» از 1402/05/01 تا 1402/06/31، اقساط ماهيانه 1000"_s}},
-    {"edited adjustment", true,
+    {"edited adjustment",
+     true,
      [](Bench& b) {
          b.t.module.port<AdjustmentPort>().ShowBalance(u"1"_s, 1);
          FormHRException& w = b.adjustment();
@@ -142,15 +177,24 @@ const WriteCase kWrites[] = {
          w.gdcBalancePT->setFarsidate(u"1402/05/31"_s);
          w.TxtPerMonth->setText(u"2500000"_s);
      },
-     [](Bench& b) { b.adjustment().cmdSave->click(); }, 1, 1, u"adjustment-edit"_s, 4,
+     [](Bench& b) { b.adjustment().cmdSave->click(); },
+     1,
+     1,
+     u"adjustment-edit"_s,
+     4,
      {u"تعديل: «علي رضايي» از 1402/03/01 تا 1402/04/31، اقساط ماهيانه 2/000/000 ← «علي رضايي» "
       u"از 1402/03/01 تا 1402/05/31، اقساط ماهيانه 2/500/000"_s}},
-    {"deleted adjustment", true,
+    {"deleted adjustment",
+     true,
      [](Bench& b) {
          b.t.module.port<AdjustmentPort>().ShowBalance(u"2"_s, 2);  // another loan shown
          b.adjustment().ShowFormToEdit(1);
      },
-     [](Bench& b) { b.adjustment().cmdDelete->click(); }, 1, 1, u"adjustment-delete"_s, 4,
+     [](Bench& b) { b.adjustment().cmdDelete->click(); },
+     1,
+     1,
+     u"adjustment-delete"_s,
+     4,
      {u"تعديل حذف شد: «علي رضايي» از 1402/03/01 تا 1402/04/31، اقساط ماهيانه 2/000/000"_s}},
 };
 
@@ -236,8 +280,9 @@ TEST_F(EditorTest, ANoOpAddsNoRowAndARefusedHistoryRowRefusesTheWrite) {
     EXPECT_EQ(Snapshot(), loans);
     EXPECT_EQ(Scalar(u"select count(*) from tblHRLoanHistory"_s).toInt(), 0);
 
-    t.db.exec(u"create trigger refuse before insert on tblHRLoanHistory begin select "
-              "raise(abort, 'history refused'); end"_s);
+    t.db.exec(
+        u"create trigger refuse before insert on tblHRLoanHistory begin select "
+        "raise(abort, 'history refused'); end"_s);
     editor().ViewPRSLoansInfo(FinalLoan);
     editor().cmdBacktoTemp->click();
     const QStringList shown = Shown();
@@ -259,8 +304,7 @@ TEST(History, WithoutTheTableWritesGoOnAndTheStatusBarSaysSo) {
     w.ViewPRSLoansInfo(FinalLoan);
     w.cmdBacktoTemp->click();
     EXPECT_TRUE(b.t.db.scalar(u"select Code from tblHRLoan where ID=2"_s).isNull());
-    EXPECT_EQ(w.stbLoan->MessageText(),
-              u"وام شماره 7 (شماره رايانه اي 2) به حالت موقت برگشت."_s);
+    EXPECT_EQ(w.stbLoan->MessageText(), u"وام شماره 7 (شماره رايانه اي 2) به حالت موقت برگشت."_s);
     emit w.mnuTool->aboutToShow();
     for (const char* name : {"mnuHistory", "mnuDeletedLoans"})
         EXPECT_FALSE(w.mnuTool->findChild<QAction*>(QString::fromLatin1(name))->isEnabled());
@@ -294,14 +338,16 @@ TEST_F(EditorTest, TheHistoryEntriesFollowTheMode) {
 // guarantors and the adjustments its delete left behind; the restore is on record, and the loan
 // leaves the deleted loans. Only after "yes", and only for a user who may create loans.
 TEST_F(EditorTest, ARestoredLoanComesBackWholeAndIsOnRecord) {
-    t.db.exec(u"insert into tblHRLoanException (LoanID, EmployeeID, BeginDate, FarsiBeginDate, "
-              "EndDate, FarsiEndDate, MonthlyDebit) values (1, 4, '2024-05-21', '1403/03/01', "
-              "'2024-06-20', '1403/03/31', 50000)"_s);
+    t.db.exec(
+        u"insert into tblHRLoanException (LoanID, EmployeeID, BeginDate, FarsiBeginDate, "
+        "EndDate, FarsiEndDate, MonthlyDebit) values (1, 4, '2024-05-21', '1403/03/01', "
+        "'2024-06-20', '1403/03/31', 50000)"_s);
     const auto header = [&](int id) {
-        return t.db.table(u"select TypeID, PaymentDate, FarsiPaymentDate, BeginDate, "
-                          "FarsiBeginDate, EndDate, FarsiEndDate, LoanValue, OriginalLoanValue, "
-                          "MonthlyValue, PayBackNumber, UseRemainedValueInFirstMonth, Notes, Code "
-                          "from tblHRLoan where ID=%1"_s.arg(id));
+        return t.db.table(
+            u"select TypeID, PaymentDate, FarsiPaymentDate, BeginDate, "
+            "FarsiBeginDate, EndDate, FarsiEndDate, LoanValue, OriginalLoanValue, "
+            "MonthlyValue, PayBackNumber, UseRemainedValueInFirstMonth, Notes, Code "
+            "from tblHRLoan where ID=%1"_s.arg(id));
     };
     const QStringList terms = header(TemporaryLoan);
     session().SessionEmployeeID = 3;
@@ -320,8 +366,8 @@ TEST_F(EditorTest, ARestoredLoanComesBackWholeAndIsOnRecord) {
     inWindow = [&](FormDeletedLoans& w) {
         ASSERT_EQ(w.grdDeleted->rowCount(), 1);
         const QStringList row = w.RowTexts(0);
-        EXPECT_EQ(row.mid(0, 5), (QStringList{u"1"_s, u""_s, u"قرض الحسنه"_s, u"2"_s,
-                                              u"حسن کريمي"_s}));
+        EXPECT_EQ(row.mid(0, 5),
+                  (QStringList{u"1"_s, u""_s, u"قرض الحسنه"_s, u"2"_s, u"حسن کريمي"_s}));
         session().SessionUserID = 2;
         w.cmdRestore_Click();
         session().SessionUserID = 1;
@@ -332,8 +378,8 @@ TEST_F(EditorTest, ARestoredLoanComesBackWholeAndIsOnRecord) {
     };
     history::ShowDeletedLoans(editor());
     ASSERT_NE(shown, nullptr);
-    EXPECT_EQ(Shown(), (QStringList{
-                           u"خطا: شما فاقد نقش مورد نظر هستيد. به نگهدارنده سيستم رجوع فرمائيد."_s,
+    EXPECT_EQ(Shown(),
+              (QStringList{u"خطا: شما فاقد نقش مورد نظر هستيد. به نگهدارنده سيستم رجوع فرمائيد."_s,
                            u"? بازگرداندن وام: وام حذف شده با شماره رايانه اي 1 و 2 کارمند به "
                            "صورت وام موقت بازگردانده شود؟"_s,
                            u"? بازگرداندن وام: وام حذف شده با شماره رايانه اي 1 و 2 کارمند به "
@@ -400,7 +446,8 @@ TEST_F(EditorTest, ARemovedMemberIsPutBackFromTheHistoryAndSavedWithTheLoan) {
               (QStringList{u"1|2|3"_s, u"4|NULL|NULL"_s}));
     inWindow = [&](FormLoanHistory& h) {
         EXPECT_EQ(h.grdHistory->rowCount(), 2);
-        EXPECT_EQ(h.RowTexts(0).value(3), u"کارمند افزوده شد: علي رضايي (ضامن: مريم احمدي، حسن کريمي)"_s);
+        EXPECT_EQ(h.RowTexts(0).value(3),
+                  u"کارمند افزوده شد: علي رضايي (ضامن: مريم احمدي، حسن کريمي)"_s);
         h.grdHistory->setCurrentCell(1, 0);
         EXPECT_FALSE(h.cmdPutBack->isEnabled());  // view mode
     };

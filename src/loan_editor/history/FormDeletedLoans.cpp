@@ -1,8 +1,8 @@
 #include "loan_editor/history/FormDeletedLoans.h"
 
 #include <QHBoxLayout>
-#include <QLineEdit>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -102,8 +102,9 @@ void FormDeletedLoans::cmdRestore_Click() {
         return;
     }
     const history::DeletedLoan loan = loans_[row];
-    if (module().AskQuestion(X::RestoreTitle, X::RestoreQuestion.arg(loan.loanId)
-                                                  .arg(loan.memberCount)) != AnswerYes)
+    if (module().AskQuestion(X::RestoreTitle,
+                             X::RestoreQuestion.arg(loan.loanId).arg(loan.memberCount)) !=
+        AnswerYes)
         return;
     qint32 id = -1;
     try {

@@ -1,9 +1,9 @@
 #include "loan_editor/history/FormLoanHistory.h"
 
 #include <QHBoxLayout>
-#include <QLineEdit>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSet>
 #include <QTableWidget>

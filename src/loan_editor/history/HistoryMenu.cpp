@@ -38,7 +38,8 @@ void AttachToEditor(FormHRLoan& editor) {
     history->setObjectName(u"mnuHistory"_s);
     QAction* deleted = editor.mnuTool->addAction(texts::DeletedLoansCaption);
     deleted->setObjectName(u"mnuDeletedLoans"_s);
-    QObject::connect(editor.mnuTool, &QMenu::aboutToShow, &editor, [&editor] { UpdateMenu(editor); });
+    QObject::connect(editor.mnuTool, &QMenu::aboutToShow, &editor,
+                     [&editor] { UpdateMenu(editor); });
     QObject::connect(history, &QAction::triggered, &editor,
                      [&editor] { editor.Guard([&] { ShowHistory(editor); }); });
     QObject::connect(deleted, &QAction::triggered, &editor,

@@ -56,9 +56,9 @@ QList<HistoryEntry> ReadHistory(Connection& cnt, qint32 loanId) {
     QList<HistoryEntry> entries;
     RowReader rows(cnt, sql::Entries(cnt.Dialect(), ids));
     const int id = rows.FieldIndex(u"ID"_s), loan = rows.FieldIndex(u"LoanID"_s),
-              from = rows.FieldIndex(u"RestoredFromLoanID"_s), code = rows.FieldIndex(u"LoanCode"_s),
-              command = rows.FieldIndex(u"Command"_s), user = rows.FieldIndex(u"UserID"_s),
-              position = rows.FieldIndex(u"PositionID"_s),
+              from = rows.FieldIndex(u"RestoredFromLoanID"_s),
+              code = rows.FieldIndex(u"LoanCode"_s), command = rows.FieldIndex(u"Command"_s),
+              user = rows.FieldIndex(u"UserID"_s), position = rows.FieldIndex(u"PositionID"_s),
               employee = rows.FieldIndex(u"EmployeeID"_s), at = rows.FieldIndex(u"ChangedAtUtc"_s),
               before = rows.FieldIndex(u"LoanBefore"_s), after = rows.FieldIndex(u"LoanAfter"_s),
               name = rows.FieldIndex(u"EmployeeName"_s);
@@ -136,7 +136,8 @@ Names ReadNames(Connection& cnt, const QList<HistoryEntry>& entries) {
         RowReader rows(cnt, sql::EmployeeNames(cnt.Dialect(), list.mid(start, 500)));
         const int id = rows.FieldIndex(u"ID"_s), name = rows.FieldIndex(u"EmployeeName"_s);
         while (rows.Next())
-            names.employees.insert(rows.Fields(id).toLongLong(), text(rows.Fields(name)).simplified());
+            names.employees.insert(rows.Fields(id).toLongLong(),
+                                   text(rows.Fields(name)).simplified());
     }
     return names;
 }

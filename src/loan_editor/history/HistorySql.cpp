@@ -68,8 +68,8 @@ QString DeletedSnapshot(qint32 loanId) {
 }
 
 QString MoveAdjustments(qint32 fromLoanId, qint32 toLoanId) {
-    return u"Update tblHRLoanException Set LoanID = "_s + number(toLoanId) +
-           u" Where LoanID = "_s + number(fromLoanId);
+    return u"Update tblHRLoanException Set LoanID = "_s + number(toLoanId) + u" Where LoanID = "_s +
+           number(fromLoanId);
 }
 
 }  // namespace kav::history::sql

@@ -22,9 +22,8 @@ inline const QString MemberPutBack =
 inline const QString NoHistory = u"براي اين وام تغييري ثبت نشده است."_s;
 
 // The deleted loans.
-inline const QString DeletedHeaders[] = {u"شماره رايانه اي"_s, u"آخرين شماره وام"_s,
-                                         u"نوع وام"_s,         u"تعداد کارمندان"_s,
-                                         u"حذف کننده"_s,       u"زمان حذف"_s};
+inline const QString DeletedHeaders[] = {u"شماره رايانه اي"_s, u"آخرين شماره وام"_s, u"نوع وام"_s,
+                                         u"تعداد کارمندان"_s,  u"حذف کننده"_s,       u"زمان حذف"_s};
 inline const QString CaptionRestore = u"بازگرداندن"_s;
 inline const QString RestoreTitle = u"بازگرداندن وام"_s;
 // The question before a restore: %1 the deleted loan's ID, %2 its member count.

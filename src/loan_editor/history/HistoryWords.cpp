@@ -122,8 +122,8 @@ void memberLines(QStringList& lines, const snapshot::State& before, const snapsh
             added << u"کارمند افزوده شد: "_s + employee(m.employeeId, names) +
                          (g == kEmpty ? QString() : u" (ضامن: %1)"_s.arg(g));
         } else if (old->guarantors != m.guarantors) {
-            changed << u"ضامنين %1: "_s.arg(employee(m.employeeId, names)) + guarantors(*old, names) +
-                           kArrow + guarantors(m, names);
+            changed << u"ضامنين %1: "_s.arg(employee(m.employeeId, names)) +
+                           guarantors(*old, names) + kArrow + guarantors(m, names);
         }
     }
     for (const snapshot::Member& m : before.members)
@@ -137,12 +137,14 @@ void memberLines(QStringList& lines, const snapshot::State& before, const snapsh
 // "«name» از 1402/03/01 تا 1402/04/31، اقساط ماهيانه 2/000/000"
 QString adjustment(const QJsonObject& a, const Names& names) {
     QString text = u"«%1»"_s.arg(employee(a.value(u"EmployeeID"_s).toInteger(), names));
-    const QString from = plain(a.value(u"FarsiBeginDate"_s)), to = plain(a.value(u"FarsiEndDate"_s));
+    const QString from = plain(a.value(u"FarsiBeginDate"_s)),
+                  to = plain(a.value(u"FarsiEndDate"_s));
     if (from != kEmpty) text += u" از "_s + from;
     if (to != kEmpty) text += u" تا "_s + to;
     const QJsonValue debit = a.value(u"MonthlyDebit"_s);
-    text += u"، "_s + label(T::LabelPerMonth) + u" "_s +
-            (debit.isDouble() && debit.toDouble() != -1 ? value(debit, Show::Amount, names) : kEmpty);
+    text +=
+        u"، "_s + label(T::LabelPerMonth) + u" "_s +
+        (debit.isDouble() && debit.toDouble() != -1 ? value(debit, Show::Amount, names) : kEmpty);
     return text;
 }
 
@@ -208,8 +210,8 @@ QStringList Differences(const QString& beforeText, const QString& afterText, con
             const QJsonValue a = was.value(column), b = is.value(column);
             if (both) {
                 if (a == b) continue;
-                if (f.twin && was.value(QString::fromUtf16(f.twin)) !=
-                                  is.value(QString::fromUtf16(f.twin)))
+                if (f.twin &&
+                    was.value(QString::fromUtf16(f.twin)) != is.value(QString::fromUtf16(f.twin)))
                     continue;
                 lines << f.label + u": "_s + value(a, f.show, names) + kArrow +
                              value(b, f.show, names);

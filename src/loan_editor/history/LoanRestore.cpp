@@ -32,7 +32,8 @@ loan_save::LoanRecord RecordOf(const QString& snapshotText) {
     r.originalValue = snapshot::NumberText(loan.value(u"OriginalLoanValue"_s));
     r.monthlyValue = snapshot::NumberText(loan.value(u"MonthlyValue"_s));
     r.payBackNumber = snapshot::NumberText(loan.value(u"PayBackNumber"_s));
-    r.remainderOption = int(snapshot::Integer(loan.value(u"UseRemainedValueInFirstMonth"_s)).value_or(0));
+    r.remainderOption =
+        int(snapshot::Integer(loan.value(u"UseRemainedValueInFirstMonth"_s)).value_or(0));
     r.notes = loan.value(u"Notes"_s).toString();
     for (const snapshot::Member& m : state.members) {
         loan_save::MemberRow row;
@@ -45,15 +46,16 @@ loan_save::LoanRecord RecordOf(const QString& snapshotText) {
 }
 
 qint32 RestoreLoan(Connection& cnt, qint32 deletedLoanId, const Actor& actor) {
-    if (!IsKept(cnt)) throw RestoreRefused(u"تاريخچه وام ها نگهداري نمي شود؛ وامي بازگردانده نشد."_s);
+    if (!IsKept(cnt))
+        throw RestoreRefused(u"تاريخچه وام ها نگهداري نمي شود؛ وامي بازگردانده نشد."_s);
     const data::SqlDialect& dialect = cnt.Dialect();
     WriteTransaction tx(cnt, loan_save::LockName());
     Recordset rs(cnt);
     rs.Open(sql::RestoreState(deletedLoanId));
     if (rs.Fields(u"Restored"_s).toInt() > 0 || rs.Fields(u"Stored"_s).toInt() > 0)
         throw RestoreRefused(
-            u"وام با شماره رايانه اي %1 را کاربر ديگري بازگردانده است؛ دوباره بازگردانده نشد."_s.arg(
-                deletedLoanId));
+            u"وام با شماره رايانه اي %1 را کاربر ديگري بازگردانده است؛ دوباره بازگردانده نشد."_s
+                .arg(deletedLoanId));
     rs.Open(sql::DeletedSnapshot(deletedLoanId));
     const QString deleted = rs.RecordCount() > 0 && !rs.IsNull(u"LoanBefore"_s)
                                 ? rs.Fields(u"LoanBefore"_s).toString()

@@ -471,7 +471,7 @@ void writeHistory(Writer& w) {
         u"(14, NULL, 4, ?, '1403/06/10', ?, '1403/06/31', ?, '1404/02/31', 40000000, 40000000, "
         u"5000000, 8, 0, ?)"_s,
         {dateValue({1403, 6, 10}), dateValue({1403, 6, 31}), dateValue({1404, 2, 31}),
-         u"خريد يخچال"_s});
+         u"خرید یخچال"_s});
     for (const auto& [employee, guarantor] : {std::pair{18, 20}, std::pair{21, 0}})
         w.exec(
             u"insert into tblHRLoanDetail (LoanID, EmployeeID, SupporterEmployeeID1) values "

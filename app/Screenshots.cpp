@@ -23,6 +23,9 @@
 #include "loan_editor/FinalSaveChecks.h"
 #include "loan_editor/FormHREmployee.h"
 #include "loan_editor/FormHRLoan.h"
+#include "loan_editor/history/FormDeletedLoans.h"
+#include "loan_editor/history/FormLoanHistory.h"
+#include "loan_editor/history/HistoryMenu.h"
 #include "search/FormSearch.h"
 #include "session/MessageDialogs.h"
 #include "session/Module.h"
@@ -240,6 +243,19 @@ int RenderScreenshots(const QString& dir) {
     editor.cmdFinSave_Click();
     photograph(u"editor-saved-final"_s);
     module->SetMessageFactory([] { return std::make_unique<SilentComponent>(); });
+
+    // The history of the demo's loan 9 (saved three times as temporary, then made final) and
+    // the deleted loans, from the Tools menu.
+    editor.ViewPRSLoansInfo(9);
+    module->SetModalRunner([&](QDialog& d) {
+        if (auto* h = qobject_cast<kav::FormLoanHistory*>(&d))
+            written += save(*h, dir, u"history"_s);
+        else if (auto* deleted = qobject_cast<kav::FormDeletedLoans*>(&d))
+            written += save(*deleted, dir, u"deleted-loans"_s);
+        return 0;
+    });
+    kav::history::ShowHistory(editor);
+    kav::history::ShowDeletedLoans(editor);
 
     auto message = kav::BuildMessageDialog(u"خطا"_s, kav::Module::RoleRefusalText(), 0);
     written += save(*message, dir, u"message"_s);

@@ -16,7 +16,7 @@ cmake --build "$bin"
 data=$bin/data
 mkdir -p "$data"
 # The name changes whenever the generator does, so an old database is never measured.
-large=$data/large-v3.db
+large=$data/large-v4.db
 if [ ! -f "$large" ]; then
   "$bin/bench/kav_make_large_db" "$large"
 fi

@@ -21,6 +21,7 @@
 #include "controls/VarekDate.h"
 #include "controls/VarekSelector.h"
 #include "session/Csv.h"
+#include "session/LoanHistory.h"
 #include "session/Module.h"
 #include "session/TextProcs.h"
 #include "session/Ui.h"
@@ -482,9 +483,12 @@ void FormHRException::cmdDelete_Click() {
     if (module_.AskQuestion(T::DeleteTitlePrefix + s.SessionTitle, T::AreYouSure) != 6) return;
     if (!txtID->text().trimmed().isEmpty()) {
         Connection& cnt = module_.DtEn().cnt();
+        const qint32 id = idOf(txtID);
+        history::Recorder record(cnt, history::Command::AdjustmentDelete, history::ActorOf(s));
         WriteTransaction tx(cnt, kLockName);
-        cnt.Execute(
-            adjustment_sql::DeleteAdjustment(cnt.Dialect(), idOf(txtID), gmpEmployee->Value()));
+        record.Before(-1, id);
+        cnt.Execute(adjustment_sql::DeleteAdjustment(cnt.Dialect(), id, gmpEmployee->Value()));
+        record.After(-1, id);
         tx.Commit();
         // The record is gone: nothing may reload or delete it again.
         txtID->clear();
@@ -519,15 +523,24 @@ void FormHRException::cmdSave_Click() {
         const qint32 employeeId = gmpEmployee->Value();
 
         DataEnvironment& dtEn = module_.DtEn();
+        const bool edit = s.LoanFormMode == ModeEdit;
+        history::Recorder record(
+            dtEn.cnt(), edit ? history::Command::AdjustmentEdit : history::Command::AdjustmentNew,
+            history::ActorOf(s));
         WriteTransaction tx(dtEn.cnt(), kLockName);
-        if (s.LoanFormMode == ModeEdit) {  // 7
-            dtEn.spHRLoanExceptionUpdate(idOf(txtID), loanId, employeeId, beginDate, farsiBegin,
-                                         endDate, farsiEnd, monthlyDebit);
+        if (edit) {  // 7
+            const qint32 id = idOf(txtID);
+            record.Before(loanId, id);
+            dtEn.spHRLoanExceptionUpdate(id, loanId, employeeId, beginDate, farsiBegin, endDate,
+                                         farsiEnd, monthlyDebit);
+            record.After(loanId, id);
             tx.Commit();
             focus = cmdExit;
         } else {  // 8
+            record.Before(loanId);
             const int id = dtEn.spHRLoanExceptionNew(loanId, employeeId, monthlyDebit, beginDate,
                                                      farsiBegin, endDate, farsiEnd);
+            record.After(loanId, id);
             tx.Commit();
             txtID->setText(QString::number(id));
             focus = cmdNew;

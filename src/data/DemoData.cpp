@@ -5,6 +5,7 @@
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QSqlRecord>
 #include <QUuid>
 #include <QVariant>
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "data/EmbeddedSchema.h"
+#include "data/LoanSnapshot.h"
 #include "data/Names.h"
 #include "data/SqlDialect.h"
 #include "base/Errors.h"
@@ -260,6 +262,18 @@ public:
         return q.next() ? q.value(0) : QVariant();
     }
 
+    QList<QVariantList> rows(const QString& sql) {
+        QSqlQuery q(db_);
+        if (!q.exec(sql)) fail(q, sql);
+        QList<QVariantList> out;
+        while (q.next()) {
+            QVariantList row;
+            for (int c = 0; c < q.record().count(); ++c) row << q.value(c);
+            out << row;
+        }
+        return out;
+    }
+
 private:
     [[noreturn]] static void fail(const QSqlQuery& q, const QString& sql) {
         throw KavError(KavError::Kind::Database, q.lastError().text() + u"\n"_s + sql);
@@ -376,6 +390,114 @@ void writeAdjustments(Writer& w) {
              a.end.y ? a.end.farsi() : u""_s, a.monthlyDebit});
 }
 
+// ---- History ----
+
+namespace snapshot = data::snapshot;
+
+// A loan of the demo database as the history keeps it.
+snapshot::Parts storedLoan(Writer& w, int loanId) {
+    snapshot::Parts parts;
+    const auto loan = w.rows(snapshot::LoanQuery(loanId));
+    if (!loan.isEmpty()) parts.loan = snapshot::RowObject(snapshot::LoanColumns(), loan.first());
+    for (const QVariantList& m : w.rows(snapshot::MembersQuery(loanId)))
+        parts.members << snapshot::MemberOf(m);
+    return parts;
+}
+
+snapshot::Member member(int employee, int guarantor) {
+    snapshot::Member m;
+    m.employeeId = employee;
+    if (guarantor) m.guarantors[0] = guarantor;
+    return m;
+}
+
+struct Change {
+    int loan;
+    snapshot::Command command;
+    const char16_t* atUtc;
+    int employee;  // the session's employee; 0 for none (the window names the user)
+    const snapshot::Parts* before;
+    const snapshot::Parts* after;
+};
+
+void writeChange(Writer& w, const Change& c) {
+    const QString before = c.before ? snapshot::Text(*c.before) : QString();
+    const QString after = c.after ? snapshot::Text(*c.after) : QString();
+    // The loan's number at that moment: the one it has after, else the one it had.
+    const auto codeOf = [](const snapshot::Parts* p) {
+        return p && p->loan ? p->loan->value(u"Code"_s) : QJsonValue();
+    };
+    const QJsonValue code = codeOf(c.after).isDouble() ? codeOf(c.after) : codeOf(c.before);
+    w.exec(
+        u"insert into tblHRLoanHistory (LoanID, RestoredFromLoanID, LoanCode, Command, UserID, "
+        u"PositionID, EmployeeID, ChangedAtUtc, LoanBefore, LoanAfter) values "
+        u"(?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"_s,
+        {c.loan, QVariant(QMetaType::fromType<int>()),
+         code.isDouble() ? QVariant(code.toInteger()) : QVariant(QMetaType::fromType<qint64>()),
+         snapshot::CommandCode(c.command), int(DemoUserWithPermissions), 0, c.employee,
+         QString::fromUtf16(c.atUtc),
+         before.isNull() ? QVariant(QMetaType::fromType<QString>()) : before,
+         after.isNull() ? QVariant(QMetaType::fromType<QString>()) : after});
+}
+
+// A few loans with a past: loan 9 saved three times as temporary (its amount raised, a member
+// added and a guarantor changed on the way) before it was made final; loan 12 lost a member;
+// loan 14 was made final, returned to temporary and deleted, and waits in the deleted loans
+// for a restore.
+void writeHistory(Writer& w) {
+    using C = snapshot::Command;
+    constexpr int clerk = 5;  // the employee the demo's clerk works as
+
+    const snapshot::Parts final9 = storedLoan(w, 9);
+    snapshot::Parts second9 = final9;  // before the final save
+    second9.loan->insert(u"Code"_s, QJsonValue::Null);
+    snapshot::Parts first9 = second9;  // two members, a lower amount, another guarantor
+    first9.loan->insert(u"LoanValue"_s, 65'000'000);
+    first9.loan->insert(u"OriginalLoanValue"_s, 65'000'000);
+    first9.loan->insert(u"MonthlyValue"_s, 4'640'000);
+    first9.members = {member(52, 53), member(54, 57)};
+    snapshot::Parts new9 = first9;
+    new9.members.clear();
+
+    const snapshot::Parts now12 = storedLoan(w, 12);
+    snapshot::Parts before12 = now12;
+    before12.members << member(7, 8);
+
+    // Loan 14: stored, then deleted; its ID is never handed out again.
+    w.exec(
+        u"insert into tblHRLoan (ID, Code, TypeID, PaymentDate, FarsiPaymentDate, BeginDate, "
+        u"FarsiBeginDate, EndDate, FarsiEndDate, LoanValue, OriginalLoanValue, MonthlyValue, "
+        u"PayBackNumber, UseRemainedValueInFirstMonth, Notes) values "
+        u"(14, NULL, 4, ?, '1403/06/10', ?, '1403/06/31', ?, '1404/02/31', 40000000, 40000000, "
+        u"5000000, 8, 0, ?)"_s,
+        {dateValue({1403, 6, 10}), dateValue({1403, 6, 31}), dateValue({1404, 2, 31}),
+         u"خرید یخچال"_s});
+    for (const auto& [employee, guarantor] : {std::pair{18, 20}, std::pair{21, 0}})
+        w.exec(
+            u"insert into tblHRLoanDetail (LoanID, EmployeeID, SupporterEmployeeID1) values "
+            u"(14, ?, ?)"_s,
+            {employee, guarantor ? QVariant(guarantor) : QVariant(QMetaType::fromType<int>())});
+    const snapshot::Parts deleted14 = storedLoan(w, 14);
+    snapshot::Parts final14 = deleted14;  // for a day it was final, with the number 10
+    final14.loan->insert(u"Code"_s, 10);
+    w.exec(u"delete from tblHRLoanDetail where LoanID=14"_s);
+    w.exec(u"delete from tblHRLoan where ID=14"_s);
+
+    const Change changes[] = {
+        {9, C::TemporarySave, u"2024-09-20 05:42:10.250", clerk, nullptr, &new9},
+        {9, C::TemporarySave, u"2024-09-20 05:50:31.000", clerk, &new9, &first9},
+        {9, C::TemporarySave, u"2024-09-21 07:05:02.500", 0, &first9, &second9},
+        {9, C::FinalSave, u"2024-09-21 07:31:44.125", clerk, &second9, &final9},
+        {12, C::TemporarySave, u"2024-09-22 06:15:00.000", clerk, nullptr, &before12},
+        {12, C::RemoveMember, u"2024-09-22 08:47:19.000", clerk, &before12, &now12},
+        {14, C::TemporarySave, u"2024-09-23 05:30:00.000", clerk, nullptr, &deleted14},
+        {14, C::FinalSave, u"2024-09-23 05:34:12.000", clerk, &deleted14, &final14},
+        {14, C::BackToTemporary, u"2024-09-24 06:20:48.000", 0, &final14, &deleted14},
+        {14, C::Delete, u"2024-09-24 06:21:30.000", 0, &deleted14, nullptr},
+    };
+    for (const Change& c : changes) writeChange(w, c);
+}
+
 void writeParametersAndUsers(Writer& w) {
     w.exec(u"insert into tblVarekSystemParameters (ID, Value) values (?, ?)"_s,
            {names::DefaultPayDateParameterID, JDate{kWorkYear, kWorkMonth, 1}.farsi()});
@@ -387,8 +509,12 @@ void writeParametersAndUsers(Writer& w) {
 
 void fill(QSqlDatabase& db) {
     Writer w(db);
-    if (HasEmbeddedSchema(db) && w.scalar(u"select count(*) from tblEmployee"_s).toInt() > 0)
-        return;  // already a demo (or real) database: leave it
+    if (HasEmbeddedSchema(db) && w.scalar(u"select count(*) from tblEmployee"_s).toInt() > 0) {
+        // Already a demo (or real) database: its rows are left alone; only what the module
+        // has added since it was made (the history table) is created.
+        CreateEmbeddedSchema(db);
+        return;
+    }
     CreateEmbeddedSchema(db);
     if (!db.transaction()) throw KavError(KavError::Kind::Database, db.lastError().text());
     try {
@@ -397,6 +523,7 @@ void fill(QSqlDatabase& db) {
         writeLoanTypes(w);
         writeLoans(w);
         writeAdjustments(w);
+        writeHistory(w);
         writeParametersAndUsers(w);
     } catch (...) {
         db.rollback();

@@ -112,6 +112,24 @@ QStringList EmbeddedSchemaStatements() {
     UserID INTEGER NOT NULL,
     FormPermissionID INTEGER NOT NULL
 ))"_s,
+        uR"(CREATE TABLE IF NOT EXISTS tblHRLoanHistory (
+    -- The module's own record of every write that changed a loan: the loan (for a restore
+    -- also the loan it was brought back from), its number at that moment, the command, who
+    -- (user, position and the session's employee), when (UTC, 'yyyy-MM-dd HH:mm:ss.SSS') and
+    -- the loan before and after as JSON text (header, members with their guarantors, and
+    -- for the adjustment commands the adjustment row). Rows are only ever added.
+    ID INTEGER PRIMARY KEY AUTOINCREMENT,
+    LoanID INTEGER NOT NULL,
+    RestoredFromLoanID INTEGER NULL,
+    LoanCode INTEGER NULL,
+    Command TEXT NOT NULL,
+    UserID INTEGER NULL,
+    PositionID INTEGER NULL,
+    EmployeeID INTEGER NULL,
+    ChangedAtUtc TEXT NOT NULL,
+    LoanBefore TEXT NULL,
+    LoanAfter TEXT NULL
+))"_s,
         // The indexes of the module's queries. A member's schedule reads his adjustments and
         // payslips of one loan by (LoanID, EmployeeID). The members keep an index on each
         // column alone: with one on both, the overlap check of a save would probe every pair
@@ -126,6 +144,8 @@ QStringList EmbeddedSchemaStatements() {
         u"CREATE INDEX IF NOT EXISTS IX_tblHRMonthlyPaiedLoan_EmployeeID ON tblHRMonthlyPaiedLoan (EmployeeID)"_s,
         u"CREATE INDEX IF NOT EXISTS IX_tblEmployee_Code ON tblEmployee (Code)"_s,
         u"CREATE INDEX IF NOT EXISTS IX_tblHROrdinance_EmployeeID ON tblHROrdinance (EmployeeID)"_s,
+        u"CREATE INDEX IF NOT EXISTS IX_tblHRLoanHistory_LoanID ON tblHRLoanHistory (LoanID)"_s,
+        u"CREATE INDEX IF NOT EXISTS IX_tblHRLoanHistory_Command_RestoredFromLoanID ON tblHRLoanHistory (Command, RestoredFromLoanID)"_s,
         u"CREATE INDEX IF NOT EXISTS IX_tblVarekUserPermission_UserID ON tblVarekUserPermission (UserID, FormPermissionID)"_s,
         uR"(CREATE VIEW IF NOT EXISTS vwHRLoanData AS
 -- One row per member of a loan: the loan's header, its type's name, the member's personnel

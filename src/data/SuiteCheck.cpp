@@ -1,5 +1,7 @@
 #include "data/SuiteCheck.h"
 
+#include "data/LoanSnapshot.h"
+
 #include <QCalendar>
 #include <QRegularExpression>
 
@@ -276,7 +278,7 @@ QList<Line> rightsLines(const SuiteFacts& f) {
                 refused << r;
         }
         if (!refused.isEmpty())
-            lines << Line{o.essential ? Status::Missing : Status::Reduced,
+            lines << Line{o.essential || o.rightsEssential ? Status::Missing : Status::Reduced,
                           u"حق "_s + listed(refused) + on +
                               u" به اين کاربر پايگاه داده داده نشده است: "_s + o.writtenBy +
                               u" رد مي‌شود"_s};
@@ -451,6 +453,19 @@ const QList<CheckedObject>& CheckedObjects() {
         index(n::tblHRMonthlyPaiedLoan, u"EmployeeID"_s),
         index(n::tblEmployee, u"Code"_s),
         index(n::tblHROrdinance, u"EmployeeID"_s),
+        {.name = snapshot::HistoryTable(),
+         .kind = K::Table,
+         .columns = {u"ID"_s, u"LoanID"_s, u"RestoredFromLoanID"_s, u"LoanCode"_s, u"Command"_s,
+                     u"UserID"_s, u"PositionID"_s, u"EmployeeID"_s, u"ChangedAtUtc"_s,
+                     u"LoanBefore"_s, u"LoanAfter"_s},
+         .withoutIt = u"تاريخچه تغييرات وام‌ها نگهداري نمي‌شود و وام حذف شده بازگردانده نمي‌شود"_s,
+         .essential = false,
+         .moduleOwn = true,
+         .rights = read + QStringList{u"INSERT"_s},
+         .writtenBy = u"ثبت تاريخچه، و با آن هر ذخيره، حذف و تعديل وام،"_s,
+         .rightsEssential = true},
+        index(snapshot::HistoryTable(), u"LoanID"_s),
+        index(snapshot::HistoryTable(), u"Command_RestoredFromLoanID"_s),
     };
     return objects;
 }

@@ -46,6 +46,9 @@ struct CheckedObject {
     // and what uses them, as a line says when one is missing.
     QStringList rights{};
     QString writtenBy{};
+    // A right refused on it stops the Parts' writes even though the object itself is not
+    // essential (the history table: its row is part of every write's transaction).
+    bool rightsEssential = false;
     // Indexes: the table they index. Procedures: the table their embedded emulation uses.
     QString table{};
 };

@@ -31,6 +31,7 @@
 #include "loan_editor/LoanModes.h"
 #include "loan_editor/LoanStatusBar.h"
 #include "loan_editor/LoanTerms.h"
+#include "loan_editor/history/HistoryMenu.h"
 #include "session/Module.h"
 #include "session/TextProcs.h"
 #include "session/Ui.h"
@@ -51,6 +52,7 @@ FormHRLoan::FormHRLoan(Module& module, QWidget* parent)
     buildControls();
     connectHandlers();
     Form_Load();
+    history::AttachToEditor(*this);  // the history and deleted loans in the Tools menu
 }
 
 FormHRLoan::~FormHRLoan() {
@@ -735,10 +737,12 @@ void FormHRLoan::SaveLoan(bool isFinal) {
         BusyPointer busy;
         // A failure rolls everything back and leaves the window in its mode with its contents;
         // the loan's id is shown only once it is stored.
-        id = loan_save::WriteLoan(module_.DtEn().cnt(), loan,
-                                  module_.session.LoanFormMode == ModeNew
-                                      ? std::nullopt
-                                      : std::optional<stored_loan::Expected>(shownLoan()));
+        id = loan_save::WriteLoan(
+            module_.DtEn().cnt(), loan,
+            module_.session.LoanFormMode == ModeNew
+                ? std::nullopt
+                : std::optional<stored_loan::Expected>(shownLoan()),
+            history::ActorOf(module_.session));
     } catch (const stored_loan::LoanChangedError& e) {
         return showStoredAfterChange(e);
     }
@@ -810,7 +814,8 @@ stored_loan::Expected FormHRLoan::shownLoan() const {
 
 bool FormHRLoan::writeStored(stored_loan::Command command, const QStringList& statements) {
     try {
-        loan_save::RunCheckedWrites(module_.DtEn().cnt(), shownLoan(), command, statements);
+        loan_save::RunCheckedWrites(module_.DtEn().cnt(), shownLoan(), command, statements,
+                                    history::ActorOf(module_.session));
         return true;
     } catch (const stored_loan::LoanChangedError& e) {
         showStoredAfterChange(e);

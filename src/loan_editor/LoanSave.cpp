@@ -147,18 +147,38 @@ void RunWrites(Connection& cnt, const QStringList& statements) {
     tx.Commit();
 }
 
+namespace {
+
+history::Command historyCommand(stored_loan::Command command, bool isFinal) {
+    switch (command) {
+        case stored_loan::Command::Delete:
+            return history::Command::Delete;
+        case stored_loan::Command::BackToTemporary:
+            return history::Command::BackToTemporary;
+        case stored_loan::Command::RemoveMember:
+            return history::Command::RemoveMember;
+        case stored_loan::Command::Save:
+            break;
+    }
+    return isFinal ? history::Command::FinalSave : history::Command::TemporarySave;
+}
+
+}  // namespace
+
 void RunCheckedWrites(Connection& cnt, const stored_loan::Expected& stored,
-                      stored_loan::Command command, const QStringList& statements) {
+                      stored_loan::Command command, const QStringList& statements,
+                      const history::Actor& actor) {
+    history::Recorder record(cnt, historyCommand(command, false), actor);
     WriteTransaction tx(cnt, LockName());
     stored_loan::Require(cnt, stored, command);
+    record.Before(stored.loanId);
     for (const QString& sql : statements) cnt.Execute(sql);
+    record.After(stored.loanId);
     tx.Commit();
 }
 
-namespace {
-
 // The ID the database gave the header just inserted: the insert's own, else MAX(ID).
-qint32 insertHeader(Connection& cnt, const LoanRecord& loan) {
+qint32 InsertNewHeader(Connection& cnt, const LoanRecord& loan) {
     const data::SqlDialect& dialect = cnt.Dialect();
     Recordset rs(cnt);
     if (dialect.kind() == data::DatabaseKind::SqlServer) {
@@ -175,12 +195,11 @@ qint32 insertHeader(Connection& cnt, const LoanRecord& loan) {
     return -1;
 }
 
-}  // namespace
-
 qint32 WriteLoan(Connection& cnt, const LoanRecord& loan,
-                 const std::optional<stored_loan::Expected>& stored) {
+                 const std::optional<stored_loan::Expected>& stored, const history::Actor& actor) {
     count(loan.payBackNumber);  // a count that cannot be written stops the save here
     const data::SqlDialect& dialect = cnt.Dialect();
+    history::Recorder record(cnt, historyCommand(stored_loan::Command::Save, loan.isFinal), actor);
     WriteTransaction tx(cnt, LockName());
     qint32 id = -1;
     if (stored) {
@@ -188,10 +207,12 @@ qint32 WriteLoan(Connection& cnt, const LoanRecord& loan,
         // it since the window showed it: then nothing is written.
         stored_loan::Require(cnt, *stored, stored_loan::Command::Save);
         id = stored->loanId;
+        record.Before(id);
     } else {
-        id = insertHeader(cnt, loan);
+        id = InsertNewHeader(cnt, loan);
     }
     for (const QString& sql : Writes(dialect, loan, id)) cnt.Execute(sql);
+    record.After(id);
     tx.Commit();
     return id;
 }

@@ -15,6 +15,7 @@
 
 #include "data/SqlDialect.h"
 #include "loan_editor/StoredLoanCheck.h"
+#include "session/LoanHistory.h"
 
 namespace kav {
 class Connection;
@@ -80,18 +81,25 @@ QString BackToTemporary(qint32 loanId);
 QString LockName();
 
 // Runs the statements as one serialised transaction: all of them or, when one fails,
-// none (the error is raised).
+// none (the error is raised). Keeps no history: the module's commands use the writes below.
 void RunWrites(Connection& cnt, const QStringList& statements);
 // The same, once the stored loan is found as the window shows it (stored_loan::Require,
-// inside the transaction): otherwise nothing is written and LoanChangedError is raised.
+// inside the transaction): otherwise nothing is written and LoanChangedError is raised. The
+// command's history row (by `actor`) is added in the same transaction.
 void RunCheckedWrites(Connection& cnt, const stored_loan::Expected& stored,
-                      stored_loan::Command command, const QStringList& statements);
+                      stored_loan::Command command, const QStringList& statements,
+                      const history::Actor& actor = {});
 
 // Writes a loan as one serialised transaction and returns its ID. Without `stored` (new
 // mode) the header is inserted and its ID read back inside the same transaction. With it, the
 // stored loan must still be as the window shows it (LoanChangedError otherwise, nothing
-// written).
+// written). The save's history row (by `actor`) is added in the same transaction.
 qint32 WriteLoan(Connection& cnt, const LoanRecord& loan,
-                 const std::optional<stored_loan::Expected>& stored);
+                 const std::optional<stored_loan::Expected>& stored,
+                 const history::Actor& actor = {});
+
+// Inside a write's transaction: inserts the header of a new loan (InsertHeaderReturningId)
+// and returns the ID the database gave it (MAX(ID) only when the insert gives none).
+qint32 InsertNewHeader(Connection& cnt, const LoanRecord& loan);
 
 }  // namespace kav::loan_save

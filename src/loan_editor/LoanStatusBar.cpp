@@ -6,16 +6,11 @@ using namespace Qt::StringLiterals;
 
 namespace kav {
 
-namespace {
-
-// The loan by its number, and by its id while it has none.
-QString loanName(qint32 loanId, const QString& code) {
+QString LoanName(qint32 loanId, const QString& code) {
     const QString id = QString::number(loanId);
     if (code.trimmed().isEmpty()) return u"وام با شماره رايانه اي %1"_s.arg(id);
     return u"وام شماره %1 (شماره رايانه اي %2)"_s.arg(code.trimmed(), id);
 }
-
-}  // namespace
 
 LoanStatusBar::LoanStatusBar(QWidget* parent) : QStatusBar(parent) {
     setSizeGripEnabled(false);
@@ -39,19 +34,19 @@ void LoanStatusBar::ShowMode(qint32 mode) {
 
 void LoanStatusBar::Saved(bool isFinal, qint32 loanId, const QString& code) {
     ShowNotice((isFinal ? u"%1 به صورت قطعي ثبت شد."_s : u"%1 به صورت موقت ثبت شد."_s)
-                   .arg(loanName(loanId, isFinal ? code : QString())));
+                   .arg(LoanName(loanId, isFinal ? code : QString())));
 }
 
 void LoanStatusBar::Deleted(qint32 loanId, const QString& code) {
-    ShowNotice(u"%1 حذف شد."_s.arg(loanName(loanId, code)));
+    ShowNotice(u"%1 حذف شد."_s.arg(LoanName(loanId, code)));
 }
 
 void LoanStatusBar::ReturnedToTemporary(qint32 loanId, const QString& formerCode) {
-    ShowNotice(u"%1 به حالت موقت برگشت."_s.arg(loanName(loanId, formerCode)));
+    ShowNotice(u"%1 به حالت موقت برگشت."_s.arg(LoanName(loanId, formerCode)));
 }
 
 void LoanStatusBar::MemberRemoved(qint32 loanId, const QString& code, const QString& member) {
-    ShowNotice(u"کارمند «%1» از %2 حذف شد."_s.arg(member.simplified(), loanName(loanId, code)));
+    ShowNotice(u"کارمند «%1» از %2 حذف شد."_s.arg(member.simplified(), LoanName(loanId, code)));
 }
 
 void LoanStatusBar::ShowNotice(const QString& text) { message_->setText(text); }

@@ -11,6 +11,9 @@ class QLabel;
 
 namespace kav {
 
+// A loan by its number, and by its ID while it has none: "وام شماره 10 (شماره رايانه اي 12)".
+QString LoanName(qint32 loanId, const QString& code);
+
 class LoanStatusBar : public QStatusBar {
     Q_OBJECT
 public:

@@ -8,6 +8,8 @@
 #include "data/DemoData.h"
 #include "data/EmbeddedSchema.h"
 #include "data/Procedures.h"
+#include "session/DataEnvironment.h"
+#include "session/LoanHistory.h"
 #include "support/TestDatabase.h"
 #include "support/TsqlCheck.h"
 
@@ -137,10 +139,30 @@ TEST_F(DemoDatabase, LoansAreCoherent) {
     EXPECT_EQ(codes, expected);
 }
 
-TEST_F(DemoDatabase, IsLeftAloneWhenCreatedAgain) {
+// The demo's history ends where its loans are: the last row of a loan still stored has the
+// loan as stored after it, and each row starts where the one before it ended.
+TEST_F(DemoDatabase, HistoryLeadsToTheLoansAsStored) {
+    kav::Connection cnt;
+    cnt.SetConnectionString(EmbeddedConnectionString(s.file()));
+    QHash<int, QString> last;
+    int rows = 0;
+    for (const auto& r : s.rows(u"select * from tblHRLoanHistory order by ID"_s)) {
+        const int loan = r[u"loanid"_s].toInt();
+        EXPECT_EQ(r[u"loanbefore"_s].toString(), last.value(loan)) << loan;
+        last[loan] = r[u"loanafter"_s].toString();
+        ++rows;
+    }
+    EXPECT_EQ(rows, 10);
+    for (const int loan : {9, 12}) EXPECT_EQ(last[loan], kav::history::ReadLoan(cnt, loan).text);
+    EXPECT_TRUE(last[14].isNull());
+}
+
+TEST_F(DemoDatabase, IsLeftAloneWhenCreatedAgainButGainsTheHistoryTable) {
     s.exec(u"delete from tblHRLoanType where ID=1"_s);
+    s.exec(u"drop table tblHRLoanHistory"_s);  // a demo made before the module kept history
     CreateDemoDatabase(s.file());
     EXPECT_EQ(s.scalar(u"select count(*) from tblHRLoanType where ID=1"_s).toInt(), 0);
+    EXPECT_EQ(s.scalar(u"select count(*) from tblHRLoanHistory"_s).toInt(), 0);
     EXPECT_THROW(CreateDemoDatabase(u"/nonexistent-folder/x/demo.db"_s), kav::KavError);
 }
 
@@ -202,7 +224,7 @@ TEST(Schema, SqlServerScriptHasTheSameTablesViewsIndexesAndProcedures) {
         embedded << (p->name + u": "_s + p->parameters.join(u',')).toLower();
     embedded.sort();
     EXPECT_EQ(scriptObjects(scriptText()), embedded);
-    EXPECT_EQ(embedded.size(), 9 + 5 + 11 + 3);
+    EXPECT_EQ(embedded.size(), 10 + 5 + 13 + 3);
     EXPECT_TRUE(
         embedded.contains(u"ix_tblhrmonthlypaiedloan_loanid_employeeid: loanid,employeeid"_s));
 }
@@ -231,7 +253,7 @@ TEST(Schema, SqlServerScriptCreatesOnlyWhatIsMissing) {
             EXPECT_TRUE(batch.left(m.capturedStart()).contains(guard)) << name.toStdString();
         }
     }
-    EXPECT_EQ(created, 9 + 11 + 5 + 3);  // tables, indexes, views, procedures
+    EXPECT_EQ(created, 10 + 13 + 5 + 3);  // tables, indexes, views, procedures
 }
 
 // Each view and procedure the script creates through EXEC parses as T-SQL (the batches

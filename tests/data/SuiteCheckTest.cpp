@@ -23,7 +23,8 @@ TEST(SuiteCheckSql, SqlServerCatalogueTexts) {
         u"(N'vwHRLoanException', N'vwHRLoanException'), (N'vwEmployeeMajor', N'vwEmployeeMajor'), "
         u"(N'vwEmployeeMinor', N'vwEmployeeMinor'), (N'spVarekHasPermission', "
         u"N'dbo.spVarekHasPermission'), (N'spHRLoanExceptionNew', N'dbo.spHRLoanExceptionNew'), "
-        u"(N'spHRLoanExceptionUpdate', N'dbo.spHRLoanExceptionUpdate')) AS v(Name, Lookup) LEFT "
+        u"(N'spHRLoanExceptionUpdate', N'dbo.spHRLoanExceptionUpdate'), (N'tblHRLoanHistory', "
+        u"N'tblHRLoanHistory')) AS v(Name, Lookup) LEFT "
         u"JOIN sys.objects o ON o.object_id = OBJECT_ID(v.Lookup)"_s;
     const QString indexes =
         u"SELECT OBJECT_NAME(i.object_id) AS TableName, i.name AS IndexName FROM sys.indexes i "
@@ -31,7 +32,8 @@ TEST(SuiteCheckSql, SqlServerCatalogueTexts) {
         u"N'IX_tblHRLoanDetail_LoanID', N'IX_tblHRLoanDetail_EmployeeID', "
         u"N'IX_tblHRLoanException_LoanID_EmployeeID', N'IX_tblHRLoanException_EmployeeID', "
         u"N'IX_tblHRMonthlyPaiedLoan_LoanID_EmployeeID', N'IX_tblHRMonthlyPaiedLoan_EmployeeID', "
-        u"N'IX_tblEmployee_Code', N'IX_tblHROrdinance_EmployeeID')"_s;
+        u"N'IX_tblEmployee_Code', N'IX_tblHROrdinance_EmployeeID', N'IX_tblHRLoanHistory_LoanID', "
+        u"N'IX_tblHRLoanHistory_Command_RestoredFromLoanID')"_s;
     const QString parameters =
         u"SELECT OBJECT_NAME(p.object_id) AS ProcedureName, p.name AS ParameterName FROM "
         u"sys.parameters p WHERE p.object_id IN (OBJECT_ID(N'dbo.spVarekHasPermission'), "
@@ -49,7 +51,9 @@ TEST(SuiteCheckSql, SqlServerCatalogueTexts) {
         u"N'tblHRLoanException', N'DELETE'), (N'spVarekHasPermission', "
         u"N'dbo.spVarekHasPermission', N'EXECUTE'), (N'spHRLoanExceptionNew', "
         u"N'dbo.spHRLoanExceptionNew', N'EXECUTE'), (N'spHRLoanExceptionUpdate', "
-        u"N'dbo.spHRLoanExceptionUpdate', N'EXECUTE')) AS v(Name, Lookup, Permission)"_s;
+        u"N'dbo.spHRLoanExceptionUpdate', N'EXECUTE'), (N'tblHRLoanHistory', N'tblHRLoanHistory', "
+        u"N'SELECT'), (N'tblHRLoanHistory', N'tblHRLoanHistory', N'INSERT')) AS v(Name, Lookup, "
+        u"Permission)"_s;
     const QString columnTypes =
         u"SELECT v.TableName, v.ColumnName, TYPE_NAME(c.system_type_id) AS TypeName FROM (VALUES "
         u"(N'tblHRLoan', N'Notes')) AS v(TableName, ColumnName) INNER JOIN sys.columns c ON "
@@ -116,7 +120,9 @@ TEST(SuiteCheck, DecidesEveryLineFromTheServersRows) {
                         {u"tblHRLoanException"_s, u"DELETE"_s, 1},
                         {u"spVarekHasPermission"_s, u"EXECUTE"_s, 1},
                         {u"spHRLoanExceptionNew"_s, u"EXECUTE"_s, QVariant()},
-                        {u"spHRLoanExceptionUpdate"_s, u"EXECUTE"_s, 1}}));
+                        {u"spHRLoanExceptionUpdate"_s, u"EXECUTE"_s, 1},
+                        {u"tblHRLoanHistory"_s, u"SELECT"_s, 1},
+                        {u"tblHRLoanHistory"_s, u"INSERT"_s, 0}}));
     ReadColumnTypes(f, rows({u"TableName"_s, u"ColumnName"_s, u"TypeName"_s},
                             {{u"tblHRLoan"_s, u"Notes"_s, u"varchar"_s}}));
     QList<QVariantList> indexes;
@@ -163,11 +169,13 @@ TEST(SuiteCheck, DecidesEveryLineFromTheServersRows) {
             u"ناموجود: حق INSERT، DELETE روي جدول tblHRLoanDetail به اين کاربر پايگاه داده داده "
             u"نشده است: ذخيره و حذف وام و حذف عضو رد مي‌شود"_s,
             u"بررسي نشد: حق‌هاي EXECUTE روي روال ذخيره‌شده spHRLoanExceptionNew: اين شيء پيدا نشد"_s,
+            u"ناموجود: حق INSERT روي جدول tblHRLoanHistory به اين کاربر پايگاه داده داده نشده "
+            u"است: ثبت تاريخچه، و با آن هر ذخيره، حذف و تعديل وام، رد مي‌شود"_s,
             u"محدود: کاربر 12 نقش 111803 را ندارد: وامي را ويرايش نمي‌کند"_s}));
-    EXPECT_EQ(present, 28);
+    EXPECT_EQ(present, 31);
     EXPECT_EQ(ExitCode(lines), 2);
     EXPECT_EQ(Summary(lines),
-              u"اين پايگاه داده براي ماژول وام کارمندان آماده نيست: 5 مورد ناموجود؛ "
+              u"اين پايگاه داده براي ماژول وام کارمندان آماده نيست: 6 مورد ناموجود؛ "
               u"6 مورد محدود؛ 1 مورد بررسي نشد."_s);
 }
 

@@ -43,7 +43,8 @@ struct Bench {
     QString snapshot() const {
         QString text;
         for (const QString& table :
-             {u"tblHRLoan"_s, u"tblHRLoanDetail"_s, u"tblHRLoanException"_s, u"sqlite_sequence"_s})
+             {u"tblHRLoan"_s, u"tblHRLoanDetail"_s, u"tblHRLoanException"_s,
+              u"tblHRLoanHistory"_s, u"sqlite_sequence"_s})
             for (const Row& r : t.db.rows(u"select * from "_s + table))
                 for (auto it = r.begin(); it != r.end(); ++it)
                     text += it.key() + u'=' + (it->isNull() ? u"<null>"_s : it->toString()) + u';';

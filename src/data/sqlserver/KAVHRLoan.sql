@@ -5,6 +5,7 @@
 -- the suite and stay exactly as they are, so the script is safe to run there too.
 --   tables      tblHRLoanType, tblHRLoan, tblHRLoanDetail, tblHRLoanException,
 --               tblHRMonthlyPaiedLoan, tblEmployee, tblHROrdinance, tblVarekSystemParameters;
+--               tblHRLoanHistory, the module's own record of its writes;
 --               tblVarekUserPermission only together with spVarekHasPermission (it holds the
 --               permissions that procedure grants)
 --   indexes     on the columns the module searches by, on the tables above
@@ -144,6 +145,27 @@ CREATE TABLE dbo.tblVarekUserPermission (
 );
 GO
 
+-- The module's own record of every write that changed a loan: the loan (for a restore also
+-- the loan it was brought back from), its number at that moment, the command, who (user,
+-- position and the session's employee), when (UTC) and the loan before and after as JSON
+-- text (header, members with their guarantors, and for the adjustment commands the
+-- adjustment row). Rows are only ever added.
+IF OBJECT_ID(N'dbo.tblHRLoanHistory', N'U') IS NULL
+CREATE TABLE dbo.tblHRLoanHistory (
+    ID int IDENTITY(1,1) NOT NULL CONSTRAINT PK_tblHRLoanHistory PRIMARY KEY,
+    LoanID int NOT NULL,
+    RestoredFromLoanID int NULL,
+    LoanCode int NULL,
+    Command nvarchar(30) NOT NULL,
+    UserID int NULL,
+    PositionID int NULL,
+    EmployeeID int NULL,
+    ChangedAtUtc datetime NOT NULL,
+    LoanBefore nvarchar(max) NULL,
+    LoanAfter nvarchar(max) NULL
+);
+GO
+
 IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoan_Code'
                AND object_id = OBJECT_ID(N'dbo.tblHRLoan'))
     CREATE INDEX IX_tblHRLoan_Code ON dbo.tblHRLoan (Code);
@@ -174,6 +196,13 @@ IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblEmployee_Code'
 IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHROrdinance_EmployeeID'
                AND object_id = OBJECT_ID(N'dbo.tblHROrdinance'))
     CREATE INDEX IX_tblHROrdinance_EmployeeID ON dbo.tblHROrdinance (EmployeeID);
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanHistory_LoanID'
+               AND object_id = OBJECT_ID(N'dbo.tblHRLoanHistory'))
+    CREATE INDEX IX_tblHRLoanHistory_LoanID ON dbo.tblHRLoanHistory (LoanID);
+IF NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblHRLoanHistory_Command_RestoredFromLoanID'
+               AND object_id = OBJECT_ID(N'dbo.tblHRLoanHistory'))
+    CREATE INDEX IX_tblHRLoanHistory_Command_RestoredFromLoanID
+        ON dbo.tblHRLoanHistory (Command, RestoredFromLoanID);
 IF OBJECT_ID(N'dbo.tblVarekUserPermission', N'U') IS NOT NULL
     AND NOT EXISTS (SELECT 1 FROM sys.indexes WHERE name = N'IX_tblVarekUserPermission_UserID'
                     AND object_id = OBJECT_ID(N'dbo.tblVarekUserPermission'))

@@ -305,6 +305,7 @@ TEST(DeductionRegister, WithoutThePayslipColumnsThePlanAlone) {
     t.db.exec({u"drop table tblHRMonthlyPaiedLoan"_s,
                u"create table tblHRMonthlyPaiedLoan (ID integer primary key, LoanID int)"_s,
                u"insert into tblHRMonthlyPaiedLoan (LoanID) values (4)"_s});
+    t.module.OpenSessionConnection();  // a new session finds the columns out anew
     const deductions::Register reg =
         deductions::ReadRegister(t.module.DtEn().cnt(), t.module.session.PayslipColumns, kMehr1403);
     EXPECT_FALSE(reg.payslipsKnown);

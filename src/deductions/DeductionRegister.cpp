@@ -55,6 +55,7 @@ public:
 
     std::span<const V> of(const Key& key) const {
         const auto [first, last] = std::equal_range(keys_.begin(), keys_.end(), key);
+        if (first == last) return {};
         return {values_.data() + (first - keys_.begin()), size_t(last - first)};
     }
 

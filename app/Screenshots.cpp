@@ -1,5 +1,6 @@
 #include "Screenshots.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QDialog>
@@ -8,6 +9,7 @@
 #include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <functional>
 
@@ -18,6 +20,7 @@
 #include "controls/VarekDate.h"
 #include "controls/ControlGallery.h"
 #include "data/DemoData.h"
+#include "deductions/FormDeductions.h"
 #include "host/kavHRLoan1.h"
 #include "controls/VarekSelector.h"
 #include "loan_editor/FinalSaveChecks.h"
@@ -29,6 +32,7 @@
 #include "search/FormSearch.h"
 #include "session/MessageDialogs.h"
 #include "session/Module.h"
+#include "session/TableDocument.h"
 #include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
@@ -214,6 +218,23 @@ int RenderScreenshots(const QString& dir) {
         return 0;
     });
     editor.cmdSearch_Click();
+
+    // The monthly register of the working month from the Tools menu: its rows, its totals per
+    // employee, and its PDF's first page with every total.
+    module->SetModalRunner([&](QDialog& d) {
+        auto* r = qobject_cast<kav::FormDeductions*>(&d);
+        if (!r) return 0;
+        r->cmdSearch_Click();
+        written += save(*r, dir, u"deductions"_s);
+        r->tabRegister->setCurrentIndex(1);
+        written += save(*r, dir, u"deductions-employees"_s);
+        r->tabRegister->setCurrentIndex(0);
+        const QImage page = kav::TableFirstPage(
+            kav::deductions::Document(r->RegisterShown(), r->TotalsShown(), r->Facts()));
+        written += page.save(QDir(dir).filePath(u"deductions-pdf.png"_s)) ? 1 : 0;
+        return 0;
+    });
+    if (auto* entry = editor.findChild<QAction*>(u"mnuDeductions"_s)) entry->trigger();
 
     // The question before a final save, as the message dialog shows it: the temporary loan with
     // its amount changed after the count was worked out, its settlement date moved and a member

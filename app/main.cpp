@@ -5,8 +5,8 @@
 // everything the module needs); 1 a command-line usage error (Qt's own); 2 the module could
 // not start (no display, a database that does not open, a loan --view names that is not there,
 // a stored property that cannot be read, no user for a database other than the demo, a
-// screenshot that cannot be written), or --check-database found something missing; 3 the
-// user's role was refused.
+// screenshot that cannot be written), or --check-database found something missing, or
+// --deductions could not write its file; 3 the user's role was refused.
 //
 // The settings file keeps the connection string, password and all, so only its owner may read
 // it (0600, narrowed when it was wider). A message printed or shown never holds a password.
@@ -27,6 +27,7 @@
 #include <optional>
 
 #include "CheckDatabase.h"
+#include "DeductionsExport.h"
 #include "Screenshots.h"
 #include "base/Errors.h"
 #include "data/ConnectionString.h"
@@ -148,7 +149,7 @@ bool headlessRun(int argc, char** argv) {
         const QByteArray a(argv[i]);
         if (a.startsWith("--create-demo-db") || a.startsWith("--screenshots") || a == "--help" ||
             a == "--help-all" || a == "-h" || a == "-?" || a == "--version" || a == "-v" ||
-            a == "--reset-settings" || a == "--check-database")
+            a == "--reset-settings" || a == "--check-database" || a.startsWith("--deductions"))
             return true;
     }
     return false;
@@ -234,9 +235,17 @@ int main(int argc, char** argv) {
         "connection string) has every table, view, column and stored procedure the module uses, "
         "the rights it needs and the user's permissions (--user, else the stored UserID): one "
         "line each, then exit 0 when everything the module needs is there, else 2."_s);
-    parser.addOptions({demo, freshDemo, connection, user, position, employee, prsEmployee, caption, view,
-                       bench, resetSettings, createDemo, screenshots, quitWhenShown,
-                       checkDatabase});
+    const QCommandLineOption deductions(
+        u"deductions"_s,
+        u"Write the monthly deduction register of MONTH (a Jalali month, e.g. 1403/07) to the "
+        "CSV file --csv names, with no window, and exit: 0 written, 2 it could not be (one line "
+        "on stderr), 3 the user (--user, else the stored UserID) lacks the module's role. The "
+        "database is --connection (or --demo), else the stored connection string."_s,
+        u"MONTH"_s);
+    const QCommandLineOption csv(u"csv"_s, u"The CSV file --deductions writes."_s, u"FILE"_s);
+    parser.addOptions({demo, freshDemo, connection, user, position, employee, prsEmployee, caption,
+                       view, bench, resetSettings, createDemo, screenshots, quitWhenShown,
+                       checkDatabase, deductions, csv});
     parser.process(app);
     const bool demoRun = parser.isSet(demo) || parser.isSet(freshDemo);
 
@@ -263,6 +272,13 @@ int main(int argc, char** argv) {
 
         if (parser.isSet(checkDatabase))
             return CheckDatabase(settings, kPropertyGroup, parser, connection, user);
+        if (parser.isSet(deductions) || parser.isSet(csv))
+            return ExportDeductions(
+                settings, kPropertyGroup, parser, {deductions, csv, connection, user},
+                demoRun ? std::function<QString()>([&] {
+                    return parser.isSet(freshDemo) ? freshDemoConnection() : demoConnection();
+                })
+                        : std::function<QString()>());
 
         auto module = std::make_shared<kav::Module>();
         if (!onScreen())

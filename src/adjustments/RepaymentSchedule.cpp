@@ -1,6 +1,5 @@
 #include "adjustments/RepaymentSchedule.h"
 
-#include <QHash>
 #include <algorithm>
 #include <climits>
 
@@ -17,14 +16,6 @@ namespace {
 
 Currency minOf(Currency a, Currency b) { return a < b ? a : b; }
 
-// An adjustment's period as month numbers; an empty bound is open.
-struct Period {
-    qint32 id;
-    int from;
-    int to;
-    Currency debit;
-};
-
 }  // namespace
 
 std::optional<int> MonthNumber(const QString& text) {
@@ -35,6 +26,27 @@ std::optional<int> MonthNumber(const QString& text) {
     const int month = parts[1].trimmed().toInt(&okMonth);
     if (!okYear || !okMonth || year < 1 || year > 9999 || month < 1 || month > 12)
         return std::nullopt;
+    return year * 12 + month - 1;
+}
+
+std::optional<int> MonthNumber(QByteArrayView utf8) {
+    // Digits, "/", digits, then nothing or "/" and anything: read as it stands. Every other
+    // text (blanks, other digits, signs) is decoded and read as above.
+    const QByteArrayView text = utf8.trimmed();
+    const auto digits = [&](qsizetype& i, int& value) {
+        const qsizetype start = i;
+        value = 0;
+        while (i < text.size() && text[i] >= '0' && text[i] <= '9' && i - start < 6)
+            value = value * 10 + (text[i++] - '0');
+        return i > start && (i == text.size() || text[i] < '0' || text[i] > '9');
+    };
+    qsizetype i = 0;
+    int year = 0, month = 0;
+    bool plain = std::all_of(text.begin(), text.end(), [](char c) { return uchar(c) < 0x80; }) &&
+                 digits(i, year) && i < text.size() && text[i] == '/' && digits(++i, month) &&
+                 (i == text.size() || text[i] == '/');
+    if (!plain) return MonthNumber(QString::fromUtf8(utf8));
+    if (year < 1 || year > 9999 || month < 1 || month > 12) return std::nullopt;
     return year * 12 + month - 1;
 }
 
@@ -65,92 +77,102 @@ std::optional<Currency> AmountOf(const QVariant& value) {
     }
 }
 
-Schedule Compute(const LoanTerms& terms, const QVector<Adjustment>& adjustments,
-                 const QVector<Payslip>& payslips, int maxMonths) {
-    Schedule s;
-    s.balance = terms.loanValue;
-    if (!terms.monthlyValue) {
-        s.problem =
-            u"قسط ماهيانه وام مشخص نشده است؛ برنامه بازپرداخت ساخته نمي‌شود."_s;
-        return s;
-    }
-    const Currency monthly = *terms.monthlyValue;
-    if (monthly <= Currency()) {
-        s.problem =
-            u"قسط ماهيانه وام بايد بيشتر از صفر باشد؛ برنامه بازپرداخت ساخته نمي‌شود."_s;
-        return s;
-    }
-    const std::optional<int> begin = MonthNumber(terms.farsiBeginDate);
-    if (!begin) {
-        s.problem =
-            u"تاريخ شروع اقساط وام مشخص نشده است؛ برنامه بازپرداخت ساخته نمي‌شود."_s;
-        return s;
-    }
-    const std::optional<int> settlement = MonthNumber(terms.farsiEndDate);
+MonthTerms TermsInMonths(const LoanTerms& t) {
+    return {t.loanValue,
+            t.monthlyValue,
+            t.payBackNumber,
+            t.remainderOption,
+            MonthNumber(t.farsiBeginDate),
+            MonthNumber(t.farsiEndDate)};
+}
 
-    // The remainder of the amount after the equal instalments, when there is a count.
-    const qint32 count = terms.payBackNumber.value_or(0) > 0 ? *terms.payBackNumber : 0;
-    Currency remainder;
-    if (count > 0) {
+std::optional<AdjustmentPeriod> PeriodOf(const Adjustment& a) {
+    const QString from = a.farsiBeginDate.trimmed(), to = a.farsiEndDate.trimmed();
+    const std::optional<int> f = from.isEmpty() ? std::optional<int>(INT_MIN) : MonthNumber(from);
+    const std::optional<int> t = to.isEmpty() ? std::optional<int>(INT_MAX) : MonthNumber(to);
+    if (!f || !t) return std::nullopt;
+    return AdjustmentPeriod{a.id, *f, *t, a.monthlyDebit};
+}
+
+namespace {
+
+// What the terms plan, once checked.
+struct Plan {
+    Currency loanValue;
+    Currency monthly;
+    int begin = 0;
+    std::optional<int> settlement;
+    qint32 count = 0;    // 0: no count, months at the instalment until paid
+    Currency remainder;  // above 0 when the instalments leave one
+    int option = 0;
+};
+
+// The plan, or why there is none (problem, when given, says so).
+std::optional<Plan> planOf(const MonthTerms& t, QString* problem) {
+    const auto fail = [&](const QString& why) {
+        if (problem) *problem = why;
+        return std::nullopt;
+    };
+    if (!t.monthlyValue)
+        return fail(
+            u"قسط ماهيانه وام مشخص نشده است؛ برنامه بازپرداخت ساخته نمي‌شود."_s);
+    if (*t.monthlyValue <= Currency())
+        return fail(
+            u"قسط ماهيانه وام بايد بيشتر از صفر باشد؛ برنامه بازپرداخت ساخته نمي‌شود."_s);
+    if (!t.beginMonth)
+        return fail(
+            u"تاريخ شروع اقساط وام مشخص نشده است؛ برنامه بازپرداخت ساخته نمي‌شود."_s);
+    Plan p;
+    p.loanValue = t.loanValue;
+    p.monthly = *t.monthlyValue;
+    p.begin = *t.beginMonth;
+    p.settlement = t.settlementMonth;
+    p.count = t.payBackNumber.value_or(0) > 0 ? *t.payBackNumber : 0;
+    if (p.count > 0) {
         qint64 instalments = 0;
-        if (__builtin_mul_overflow(monthly.raw(), qint64(count), &instalments))
+        if (__builtin_mul_overflow(p.monthly.raw(), qint64(p.count), &instalments))
             instalments = LLONG_MAX;
-        if (terms.loanValue.raw() > instalments)
-            remainder = Currency::fromRaw(terms.loanValue.raw() - instalments);
+        if (t.loanValue.raw() > instalments)
+            p.remainder = Currency::fromRaw(t.loanValue.raw() - instalments);
     }
-    const bool hasRemainder = remainder > Currency();
-    const int option = terms.remainderOption;
+    p.option = t.remainderOption;
+    return p;
+}
 
-    // Adjustments, highest ID first, so the first that covers a month holds.
-    QVector<Period> periods;
-    periods.reserve(adjustments.size());
-    for (const Adjustment& a : adjustments) {
-        const QString from = a.farsiBeginDate.trimmed(), to = a.farsiEndDate.trimmed();
-        const std::optional<int> f =
-            from.isEmpty() ? std::optional<int>(INT_MIN) : MonthNumber(from);
-        const std::optional<int> t = to.isEmpty() ? std::optional<int>(INT_MAX) : MonthNumber(to);
-        if (!f || !t) continue;  // a period that is no period covers no month
-        periods.append({a.id, *f, *t, a.monthlyDebit});
+// Walks the member's months from the first (the first instalment's, or an earlier payslip's)
+// up to and including `stop`, handing each row (its month text left empty) with its month
+// number to visit. Stops when the balance is paid and no payslip month is left; returns false
+// when it stopped after maxMonths rows instead.
+template <class Visit>
+bool walk(const Plan& plan, std::span<const AdjustmentPeriod> periods,
+          std::span<const PaidMonth> paid, int stop, int maxMonths, Visit&& visit) {
+    int first = plan.begin, last = INT_MIN;
+    if (!paid.empty()) {
+        first = std::min(first, paid.front().month);
+        last = paid.back().month;
     }
-    std::stable_sort(periods.begin(), periods.end(),
-                     [](const Period& a, const Period& b) { return a.id > b.id; });
-
-    // Payslip amounts per month; two rows of one month add up.
-    QHash<int, Currency> paid;
-    paid.reserve(payslips.size());
-    int first = *begin, last = INT_MIN;
-    for (const Payslip& p : payslips) {
-        const std::optional<int> m = MonthNumber(p.payMonth);
-        if (!m) continue;
-        paid[*m] = paid.value(*m) + p.paidValue;
-        first = std::min(first, *m);
-        last = std::max(last, *m);
-    }
-
-    Currency balance = terms.loanValue;
-    for (int month = first;; ++month) {
+    const bool hasRemainder = plan.remainder > Currency();
+    Currency balance = plan.loanValue;
+    size_t next = 0;  // the first payslip month not yet reached
+    int rows = 0;
+    for (int month = first; month <= stop; ++month) {
         if (balance <= Currency() && month > last) break;
-        if (s.rows.size() >= maxMonths) {
-            s.problem =
-                u"مانده وام در %1 ماه به صفر نمي‌رسد؛ فقط %1 ماه نخست نشان داده شده است."_s
-                    .arg(maxMonths);
-            break;
-        }
+        if (rows >= maxMonths) return false;
         Row row;
-        row.month = MonthText(month);
-        row.afterSettlement = settlement && month > *settlement;
-        const int instalment = month - *begin + 1;  // 1 for the first month; below 1 before it
+        row.afterSettlement = plan.settlement && month > *plan.settlement;
+        const int instalment = month - plan.begin + 1;  // 1 for the first month; below 1 before it
         Currency base;
         if (instalment >= 1) {
-            base = monthly;
+            base = plan.monthly;
             if (hasRemainder) {
-                const bool withFirst = option == 1 && instalment == 1;
-                const bool withLast = option != 1 && option != 2 && instalment == count;
+                const bool withFirst = plan.option == 1 && instalment == 1;
+                const bool withLast =
+                    plan.option != 1 && plan.option != 2 && instalment == plan.count;
                 if (withFirst || withLast) {
-                    base = monthly + remainder;
+                    base = plan.monthly + plan.remainder;
                     row.remainderMonth = true;
-                } else if (option == 2 && instalment == count + 1) {
-                    base = remainder;
+                } else if (plan.option == 2 && instalment == plan.count + 1) {
+                    base = plan.remainder;
                     row.remainderMonth = true;
                 }
             }
@@ -159,28 +181,77 @@ Schedule Compute(const LoanTerms& terms, const QVector<Adjustment>& adjustments,
         row.planned = minOf(base, room);
         Currency expected = row.planned;
         if (instalment >= 1) {
-            for (const Period& p : periods) {
-                if (month < p.from || month > p.to) continue;
-                if (p.debit >= Currency()) {  // -1 replaces nothing
-                    row.adjustment = minOf(p.debit, room);
-                    row.adjustmentId = p.id;
-                    expected = *row.adjustment;
-                }
-                break;
+            // Of the periods covering the month the one with the highest ID holds; -1 replaces
+            // nothing.
+            const AdjustmentPeriod* holds = nullptr;
+            for (const AdjustmentPeriod& p : periods)
+                if (month >= p.from && month <= p.to && (!holds || p.id > holds->id)) holds = &p;
+            if (holds && holds->monthlyDebit >= Currency()) {
+                row.adjustment = minOf(holds->monthlyDebit, room);
+                row.adjustmentId = holds->id;
+                expected = *row.adjustment;
             }
         }
-        const auto deducted = paid.constFind(month);
-        if (deducted != paid.constEnd()) row.deducted = *deducted;
+        while (next < paid.size() && paid[next].month < month) ++next;
+        if (next < paid.size() && paid[next].month == month) {
+            Currency sum;
+            for (; next < paid.size() && paid[next].month == month; ++next)
+                sum = sum + paid[next].paid;
+            row.deducted = sum;
+        }
         row.taken = row.deducted ? *row.deducted : expected;
         balance = balance - row.taken;
         row.balance = balance;
+        ++rows;
+        visit(std::move(row), month);
+    }
+    return true;
+}
 
+}  // namespace
+
+Schedule Compute(const LoanTerms& terms, const QVector<Adjustment>& adjustments,
+                 const QVector<Payslip>& payslips, int maxMonths) {
+    Schedule s;
+    s.balance = terms.loanValue;
+    const std::optional<Plan> plan = planOf(TermsInMonths(terms), &s.problem);
+    if (!plan) return s;
+
+    QVector<AdjustmentPeriod> periods;
+    periods.reserve(adjustments.size());
+    for (const Adjustment& a : adjustments)
+        if (const std::optional<AdjustmentPeriod> p = PeriodOf(a)) periods.append(*p);
+    QVector<PaidMonth> paid;
+    paid.reserve(payslips.size());
+    for (const Payslip& p : payslips)
+        if (const std::optional<int> m = MonthNumber(p.payMonth)) paid.append({*m, p.paidValue});
+    std::stable_sort(paid.begin(), paid.end(),
+                     [](const PaidMonth& a, const PaidMonth& b) { return a.month < b.month; });
+
+    const bool whole = walk(*plan, periods, paid, INT_MAX, maxMonths, [&](Row&& row, int month) {
+        row.month = MonthText(month);
         s.totalTaken = s.totalTaken + row.taken;
         if (row.deducted) s.totalDeducted = s.totalDeducted + *row.deducted;
-        s.rows.append(row);
-    }
-    s.balance = balance;
+        s.balance = row.balance;
+        s.rows.append(std::move(row));
+    });
+    if (!whole)
+        s.problem =
+            u"مانده وام در %1 ماه به صفر نمي‌رسد؛ فقط %1 ماه نخست نشان داده شده است."_s
+                .arg(maxMonths);
     return s;
+}
+
+std::optional<Row> MonthRow(const MonthTerms& terms, std::span<const AdjustmentPeriod> periods,
+                            std::span<const PaidMonth> paid, int month, int maxMonths) {
+    const std::optional<Plan> plan = planOf(terms, nullptr);
+    if (!plan) return std::nullopt;
+    std::optional<Row> found;
+    walk(*plan, periods, paid, month, maxMonths, [&](Row&& row, int m) {
+        if (m == month) found = std::move(row);
+    });
+    if (found) found->month = MonthText(month);
+    return found;
 }
 
 }  // namespace kav::schedule

@@ -21,10 +21,12 @@
 //
 // No widget here: the window and the exports show what Compute returns.
 
+#include <QByteArrayView>
 #include <QString>
 #include <QVariant>
 #include <QVector>
 #include <optional>
+#include <span>
 
 #include "session/Vb.h"
 
@@ -79,9 +81,53 @@ constexpr int MaxMonths = 1200;
 Schedule Compute(const LoanTerms& terms, const QVector<Adjustment>& adjustments,
                  const QVector<Payslip>& payslips, int maxMonths = MaxMonths);
 
+// ---- The same computation on months as numbers ----
+//
+// The monthly register reads the inputs of many members at once and wants one month of each
+// schedule: these are Compute's inputs with their dates as month numbers (MonthNumber), and
+// MonthRow is Compute stopped at that month.
+
+// The terms with the first-instalment and settlement months as numbers (nothing where the
+// date is empty or no date).
+struct MonthTerms {
+    vb::Currency loanValue;
+    std::optional<vb::Currency> monthlyValue;
+    std::optional<qint32> payBackNumber;
+    int remainderOption = 0;
+    std::optional<int> beginMonth;
+    std::optional<int> settlementMonth;
+};
+MonthTerms TermsInMonths(const LoanTerms& terms);
+
+// An adjustment's period as month numbers; an open bound is INT_MIN or INT_MAX.
+struct AdjustmentPeriod {
+    qint32 id = 0;
+    int from = 0;
+    int to = 0;
+    vb::Currency monthlyDebit;
+};
+// Nothing when a bound is a text that is no date: such a period covers no month.
+std::optional<AdjustmentPeriod> PeriodOf(const Adjustment& adjustment);
+
+// What the payslips deducted in a month.
+struct PaidMonth {
+    int month = 0;
+    vb::Currency paid;
+};
+
+// The row of `month` in the member's schedule, computed from the first month only as far as
+// that one; nothing when the schedule has no such month (or there is no schedule). The
+// periods may come in any order; the payslip months must be in ascending order (two entries
+// of one month add up). The row's month text is MonthText(month).
+std::optional<Row> MonthRow(const MonthTerms& terms, std::span<const AdjustmentPeriod> periods,
+                            std::span<const PaidMonth> paid, int month, int maxMonths = MaxMonths);
+
 // A Jalali date or month text ("yyyy/mm/dd", "yyyy/mm", Persian digits too) as a month
 // number (year * 12 + month - 1); nullopt when it is not one.
 std::optional<int> MonthNumber(const QString& text);
+// The same of a UTF-8 text as the database hands it over; a plain "yyyy/mm..." is read
+// without decoding it.
+std::optional<int> MonthNumber(QByteArrayView utf8);
 // "yyyy/mm" of a month number.
 QString MonthText(int monthNumber);
 

@@ -191,12 +191,17 @@ std::vector<Loan> demoLoans() {
          false,
          u"صندوق قرض‌الحسنه واحد مالی",
          {{12, {14, 15, 16}}}},
+        // An advance whose first instalment falls in the working month, to an employee who
+        // repays another loan (3) too.
+        {5, {1403, 7, 5}, 30'000'000, 0, 6, 0, true, nullptr, {{20, {21, 0, 0}}}},
     };
 }
 
 // The final loans (1-based, in demoLoans order) whose instalments the payroll has deducted
-// up to the month before the working date.
+// up to the month before the working date, and those of them it has deducted for the working
+// month too.
 constexpr std::array<int, 6> kPaidLoans = {2, 3, 4, 5, 7, 9};
+constexpr std::array<int, 2> kPaidThisMonth = {2, 7};
 
 struct Adjustment {
     int loan;  // 1-based, in demoLoans order
@@ -207,8 +212,8 @@ struct Adjustment {
 };
 // Lower instalments stretch a member's repayment past the loan's settlement date (loans 2,
 // 4 and 5); a later adjustment overlapping an earlier one holds (loan 2); a higher one
-// shortens it (loan 3); loan 9's lies ahead of the working date.
-const std::array<Adjustment, 8> kAdjustments = {{
+// shortens it (loan 3); loan 9's lies ahead of the working date, loan 8's covers it.
+const std::array<Adjustment, 9> kAdjustments = {{
     {2, 10, {1402, 1, 1}, {1402, 6, 31}, 10'000'000},
     {3, 20, {1402, 7, 1}, {1402, 9, 30}, 5'000'000},
     {4, 27, {1402, 8, 1}, {1402, 10, 30}, 4'000'000},
@@ -217,6 +222,7 @@ const std::array<Adjustment, 8> kAdjustments = {{
     {2, 10, {1402, 4, 1}, {1402, 5, 31}, 15'000'000},
     {3, 14, {1403, 8, 1}, {1403, 9, 30}, 15'000'000},
     {9, 54, {1403, 9, 1}, {1403, 11, 30}, 3'000'000},
+    {8, 49, {1403, 7, 1}, {1403, 9, 30}, 8'000'000},
 }};
 
 // A month the payroll deducted nothing for a member (unpaid leave): loan, employee, month.
@@ -226,6 +232,15 @@ struct MissedMonth {
     int y, m;
 };
 constexpr MissedMonth kMissedMonth = {3, 14, 1402, 11};
+// A month the payroll deducted an instalment from a member who owed nothing any more (his loan
+// was repaid the month before): loan, employee, month and the amount.
+struct ExtraDeduction {
+    int loan;
+    int employee;
+    int y, m;
+    qint64 amount;
+};
+constexpr ExtraDeduction kExtraDeduction = {5, 31, 1403, 7, 5'000'000};
 
 // What the payroll deducts from a member in the k-th month (1-based) of a loan: the
 // instalment, with the remainder where the loan puts it, an adjustment's amount while one
@@ -356,14 +371,18 @@ void writeLoans(Writer& w) {
                 values);
         }
         if (std::find(kPaidLoans.begin(), kPaidLoans.end(), loanId) != kPaidLoans.end()) {
-            // Every instalment up to the month before the working date was deducted, as the
-            // loan and the member's adjustments plan it, until nothing is owed.
+            // Every instalment up to the month before the working date (or up to the working
+            // month) was deducted, as the loan and the member's adjustments plan it, until
+            // nothing is owed.
             const qint64 remainder = l.value - monthly * l.payBack;
+            const bool thisMonth = std::find(kPaidThisMonth.begin(), kPaidThisMonth.end(),
+                                             loanId) != kPaidThisMonth.end();
+            const int upTo = kWorkYear * 100 + kWorkMonth + (thisMonth ? 1 : 0);
             for (const Member& m : l.members) {
                 JDate month{begin.y, begin.m, 1};
                 qint64 owed = l.value;
                 for (int k = 1; owed > 0; ++k, month = month.monthEnd(1)) {
-                    if (month.y * 100 + month.m >= kWorkYear * 100 + kWorkMonth) break;
+                    if (month.y * 100 + month.m >= upTo) break;
                     qint64 paid = deduction(loanId, m.employee, month, k, monthly, remainder,
                                             l.payBack, l.remainderOption, owed);
                     if (loanId == kMissedMonth.loan && m.employee == kMissedMonth.employee &&
@@ -378,6 +397,13 @@ void writeLoans(Writer& w) {
                 }
             }
         }
+        if (loanId == kExtraDeduction.loan)
+            w.exec(
+                u"insert into tblHRMonthlyPaiedLoan (LoanID, EmployeeID, PayMonth, PaidValue) "
+                u"values (?, ?, ?, ?)"_s,
+                {loanId, kExtraDeduction.employee,
+                 u"%1/%2"_s.arg(kExtraDeduction.y).arg(kExtraDeduction.m, 2, 10, QChar(u'0')),
+                 kExtraDeduction.amount});
     }
 }
 

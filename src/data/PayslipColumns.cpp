@@ -2,6 +2,7 @@
 
 #include <QRegularExpression>
 #include <QSettings>
+#include <algorithm>
 
 #include "base/Errors.h"
 
@@ -64,23 +65,44 @@ void PayslipColumns::Store(QSettings& settings) const {
     settings.endGroup();
 }
 
-std::optional<int> PayslipColumns::MonthNumber(const QVariant& value) const {
-    if (!value.isValid() || value.isNull()) return std::nullopt;
-    const QString text = latinDigits(value.toString().trimmed());
-    const qsizetype y = monthForm.indexOf(u"yyyy"_s), m = monthForm.indexOf(u"mm"_s);
-    if (y < 0 || m < 0 || text.size() < monthForm.size()) return std::nullopt;
+namespace {
+
+int code(const QString& text, qsizetype i) { return text[i].unicode(); }
+int code(QByteArrayView text, qsizetype i) { return uchar(text[i]); }
+
+// The month of a text (Latin digits) in the form; T is QString or QByteArrayView.
+template <class T>
+std::optional<int> monthIn(const QString& form, const T& text) {
+    const qsizetype y = form.indexOf(u"yyyy"_s), m = form.indexOf(u"mm"_s);
+    if (y < 0 || m < 0 || text.size() < form.size()) return std::nullopt;
+    const auto digit = [&](qsizetype i) { return code(text, i) - '0'; };
     // Every other character of the form stands for itself.
-    for (qsizetype i = 0; i < monthForm.size(); ++i) {
+    for (qsizetype i = 0; i < form.size(); ++i) {
         const bool inYear = i >= y && i < y + 4, inMonth = i >= m && i < m + 2;
         if (inYear || inMonth) {
-            if (!text[i].isDigit()) return std::nullopt;
-        } else if (text[i] != monthForm[i]) {
+            if (digit(i) < 0 || digit(i) > 9) return std::nullopt;
+        } else if (code(text, i) != form[i].unicode()) {
             return std::nullopt;
         }
     }
-    const int year = text.mid(y, 4).toInt(), month = text.mid(m, 2).toInt();
+    const int year = digit(y) * 1000 + digit(y + 1) * 100 + digit(y + 2) * 10 + digit(y + 3);
+    const int month = digit(m) * 10 + digit(m + 1);
     if (year < 1 || month < 1 || month > 12) return std::nullopt;
     return year * 12 + month - 1;
+}
+
+}  // namespace
+
+std::optional<int> PayslipColumns::MonthNumber(const QVariant& value) const {
+    if (!value.isValid() || value.isNull()) return std::nullopt;
+    return monthIn(monthForm, latinDigits(value.toString().trimmed()));
+}
+
+std::optional<int> PayslipColumns::MonthNumber(QByteArrayView utf8) const {
+    const bool ascii =
+        std::all_of(utf8.begin(), utf8.end(), [](char c) { return uchar(c) < 0x80; });
+    if (!ascii) return MonthNumber(QVariant(QString::fromUtf8(utf8)));
+    return monthIn(monthForm, utf8.trimmed());
 }
 
 QString PayslipColumns::MonthText(int monthNumber) const {

@@ -6,6 +6,7 @@
 // MonthColumn, MonthForm, PaidColumn). Whether they are there at all is found out once per
 // connection: without them the schedule and the monthly register show planned amounts only.
 
+#include <QByteArrayView>
 #include <QString>
 #include <QVariant>
 #include <optional>
@@ -32,6 +33,9 @@ struct PayslipColumns {
     // A stored month (text or number, Persian digits too) as a month number
     // (year * 12 + month - 1); nothing when it is not one in this form.
     std::optional<int> MonthNumber(const QVariant& value) const;
+    // The same of the stored text in UTF-8, as the database hands it over (a number as its
+    // decimal text); a text of plain ASCII is read without decoding it.
+    std::optional<int> MonthNumber(QByteArrayView utf8) const;
     // The month number in this form, as it is stored ("1403/07" for "yyyy/mm").
     QString MonthText(int monthNumber) const;
 

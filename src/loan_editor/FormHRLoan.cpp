@@ -249,6 +249,8 @@ void FormHRLoan::buildMenu() {
     mnuTool->addSeparator();
     mnusearch = item(T::CaptionSearch, u"mnusearch"_s);
     mnuExit = item(T::CaptionExit, u"mnuExit"_s);
+    connect(item(u"کسور ماهانه وام"_s, u"mnuDeductions"_s), &QAction::triggered, this,
+            [this] { Guard([this] { module_.port<DeductionsPort>().ShowDeductions(); }); });
 }
 
 void FormHRLoan::connectHandlers() {

@@ -10,11 +10,14 @@
 
 namespace kav {
 
-// The CSV text of the rows (without the byte-order mark).
-QString CsvText(const QList<QStringList>& rows);
+// The CSV text of the rows (without the byte-order mark). A field of the quoted columns that is
+// not empty is always written between double quotes, so that a spreadsheet takes it as text
+// (a personnel code keeps its leading zeros). An empty row is an empty line.
+QString CsvText(const QList<QStringList>& rows, const QList<int>& quotedColumns = {});
 
 // Writes the rows to the file, whole or not at all (a failure leaves an existing file as it
 // was). Raises KavError (Usage) naming the file when it cannot be written.
-void SaveCsv(const QString& path, const QList<QStringList>& rows);
+void SaveCsv(const QString& path, const QList<QStringList>& rows,
+             const QList<int>& quotedColumns = {});
 
 }  // namespace kav

@@ -1,5 +1,7 @@
 #include "session/TextProcs.h"
 
+#include <algorithm>
+
 #include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
@@ -66,6 +68,39 @@ QString GroupDigits(const QVariant& value) {
         n -= 3;
     }
     return text.left(first) + digits.left(n) + grouped + text.mid(end);
+}
+
+QByteArrayView GroupedAmountUtf8(vb::Currency amount, std::array<char, 40>& buffer) {
+    const qint64 raw = amount.raw();
+    const quint64 magnitude = raw < 0 ? quint64(0) - quint64(raw) : quint64(raw);
+    quint64 whole = magnitude / quint64(vb::Currency::Scale);
+    const quint64 frac = magnitude % quint64(vb::Currency::Scale);
+    // Written from the end: the fraction without its trailing zeros, the whole number grouped
+    // by threes when it has more than four digits, the sign.
+    char* end = buffer.data() + buffer.size();
+    char* p = end;
+    if (frac != 0) {
+        char digits[4];
+        quint64 f = frac;
+        for (int i = 3; i >= 0; --i, f /= 10) digits[i] = char('0' + f % 10);
+        int n = 4;
+        while (digits[n - 1] == '0') --n;
+        p -= n;
+        std::copy_n(digits, n, p);
+        *--p = '.';
+    }
+    char plain[24];
+    int n = 0;
+    do {
+        plain[n++] = char('0' + whole % 10);
+        whole /= 10;
+    } while (whole != 0);
+    for (int i = 0; i < n; ++i) {
+        if (n > 4 && i > 0 && i % 3 == 0) *--p = '/';
+        *--p = plain[i];
+    }
+    if (raw < 0) *--p = '-';
+    return QByteArrayView(p, end - p);
 }
 
 QVariant CellNumber(const QString& text) {

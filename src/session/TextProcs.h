@@ -2,8 +2,10 @@
 
 // The shared text and number procedures every window uses.
 
+#include <QByteArrayView>
 #include <QString>
 #include <QVariant>
+#include <array>
 
 #include "session/Vb.h"
 
@@ -29,6 +31,9 @@ vb::Currency DateDigits(const QString& text);
 // -150000 -> -150/000, 1500.5 -> 1500.5, 12345.5 -> 12/345.5. A text that does not start
 // with a number comes back as given.
 QString GroupDigits(const QVariant& value);
+// The same of an amount's plain text (GroupDigits(amount.toString())) written as UTF-8 into
+// the buffer, for filling large grids without a text per cell. Returns the text in the buffer.
+QByteArrayView GroupedAmountUtf8(vb::Currency amount, std::array<char, 40>& buffer);
 
 // A grid cell, check mark or Persian date as a comparable number. Never fails: blanks give
 // the 16-bit -1, the exact text "True" the 16-bit 1, anything else the leading number of the

@@ -41,4 +41,12 @@ public:
     virtual void ShowSearch() = 0;
 };
 
+// The monthly deduction register as the editor's Tools menu opens it.
+class DeductionsPort {
+public:
+    virtual ~DeductionsPort() = default;
+    // Shows the register modally; returns when it is closed or hidden to open a loan.
+    virtual void ShowDeductions() = 0;
+};
+
 }  // namespace kav

@@ -83,6 +83,10 @@ inline const QString NotAMember = u"کارمند انتخاب شده عضو اي
 inline const QString CaptionExportCsv = u"ذخيره CSV"_s;
 inline const QString CaptionExportPdf = u"ذخيره PDF"_s;
 inline const QString ExportCaption = u"ذخيره برنامه بازپرداخت"_s;
+// The export's proposed file name: these words, the loan, the member's code, then the date.
+inline const QString FileSchedule = u"برنامه بازپرداخت"_s;
+inline const QString FileLoanNumber = u"وام %1"_s;
+inline const QString FileTemporaryLoan = u"وام موقت %1"_s;
 inline const QString ExportTitle = u"برنامه بازپرداخت وام"_s;
 inline const QString NothingToExport = u"برنامه بازپرداختي براي ذخيره وجود ندارد."_s;
 inline const QString FactLoan = u"وام: "_s;

@@ -1,6 +1,5 @@
 #include "adjustments/FormHRException.h"
 
-#include <QFileDialog>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -21,6 +20,7 @@
 #include "controls/VarekDate.h"
 #include "controls/VarekSelector.h"
 #include "session/Csv.h"
+#include "session/FileDialog.h"
 #include "session/LoanHistory.h"
 #include "session/Module.h"
 #include "session/TextProcs.h"
@@ -39,13 +39,11 @@ using vb::Currency;
 
 namespace {
 
-
 QPushButton* commandButton(QWidget* parent, const QString& caption, const QString& name) {
     auto* b = Named(new QPushButton(caption, parent), name);
     b->setAutoDefault(false);
     return b;
 }
-
 
 // An amount field grouped for display; empty for Null.
 QString amountField(const QVariant& v) {
@@ -84,10 +82,6 @@ const modes::Table& FormHRException::ModeTable() {
 FormHRException::FormHRException(Module& module, QWidget* parent)
     : ModuleWindow(module, parent), module_(module) {
     setObjectName(u"FormHRException"_s);
-    saveFileDialog = [](QWidget* parent, const QString& caption, const QString& suggested,
-                        const QString& filter) {
-        return QFileDialog::getSaveFileName(parent, caption, suggested, filter);
-    };
     buildControls();
     connectHandlers();
     Form_Load();
@@ -418,13 +412,12 @@ void FormHRException::FillPRSBalance(qint32 employeeId) {
         module_.DtEn().cnt(), module_.session.PayslipColumns, loanId, employeeId);
     schedule_ = schedule::Compute(*terms_, in.adjustments, in.payslips);
     // Without the payslip columns the schedule is the plan alone, and says so.
-    showBalanceProblem(
-        QStringList{schedule_.problem,
-                    in.payslipsKnown
-                        ? QString()
-                        : schedule::PayslipColumnsMissingText(module_.session.PayslipColumns)}
-            .join(u' ')
-            .trimmed());
+    showBalanceProblem(QStringList{
+        schedule_.problem,
+        in.payslipsKnown ? QString()
+                         : schedule::PayslipColumnsMissingText(module_.session.PayslipColumns)}
+                           .join(u' ')
+                           .trimmed());
     if (schedule_.rows.isEmpty()) {
         if (schedule_.problem.isEmpty()) {
             setInfo(u"lblPaidSoFar"_s, schedule::AmountText(Currency()));
@@ -670,8 +663,13 @@ void FormHRException::gmpEmployee_Changed() {
 // ---- The schedule's exports ----
 
 QString FormHRException::exportBaseName() const {
-    QString member = memberCaption_.section(u" - "_s, 0, 0).trimmed();
-    return u"schedule-"_s + termsLoanText_ + (member.isEmpty() ? QString() : u"-"_s + member);
+    // The loan by its number (a temporary one by its id) and the member by his code.
+    const auto* code = findChild<QLabel*>(u"lblLoanCode"_s);
+    const QString number = code && !code->text().trimmed().isEmpty()
+                               ? T::FileLoanNumber.arg(code->text().trimmed())
+                               : T::FileTemporaryLoan.arg(termsLoanText_);
+    return ProposedFileName(
+        {T::FileSchedule, number, memberCaption_.section(u" - "_s, 0, 0).trimmed()});
 }
 
 QStringList FormHRException::ScheduleFacts() const {
@@ -688,19 +686,15 @@ QStringList FormHRException::ScheduleFacts() const {
 
 void FormHRException::cmdExportCsv_Click() {
     if (schedule_.rows.isEmpty()) return module_.ShowMessage(WarningTitle(), T::NothingToExport);
-    QString path =
-        saveFileDialog(this, T::ExportCaption, exportBaseName() + u".csv"_s, u"CSV (*.csv)"_s);
+    const QString path = AskSaveFile(module_, this, T::ExportCaption, exportBaseName(), u"csv"_s);
     if (path.isEmpty()) return;
-    if (!path.endsWith(u".csv"_s, Qt::CaseInsensitive)) path += u".csv"_s;
     SaveCsv(path, schedule::CsvRows(schedule_));
 }
 
 void FormHRException::cmdExportPdf_Click() {
     if (schedule_.rows.isEmpty()) return module_.ShowMessage(WarningTitle(), T::NothingToExport);
-    QString path =
-        saveFileDialog(this, T::ExportCaption, exportBaseName() + u".pdf"_s, u"PDF (*.pdf)"_s);
+    const QString path = AskSaveFile(module_, this, T::ExportCaption, exportBaseName(), u"pdf"_s);
     if (path.isEmpty()) return;
-    if (!path.endsWith(u".pdf"_s, Qt::CaseInsensitive)) path += u".pdf"_s;
     BusyPointer busy;
     schedule::SavePdf(path, T::ExportTitle, ScheduleFacts(), schedule_);
 }

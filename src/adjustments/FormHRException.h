@@ -59,12 +59,6 @@ public:
     void cmdExportCsv_Click();
     void cmdExportPdf_Click();
 
-    // Asks for the file an export writes (parent, caption, suggested name, filter); an empty
-    // name cancels. The file dialog by default; tests put their own answer here.
-    using SaveFileDialog =
-        std::function<QString(QWidget*, const QString&, const QString&, const QString&)>;
-    SaveFileDialog saveFileDialog;
-
     // The text of the loan editor's txtID when it opened this window: the save compares the
     // instalment with the editor's amount only while txtPaidID still names that loan.
     QString editorLoanText;

@@ -468,7 +468,7 @@ void writeChange(Writer& w, const Change& c) {
 
 // A few loans with a past: loan 9 saved three times as temporary (its amount raised, a member
 // added and a guarantor changed on the way) before it was made final; loan 12 lost a member;
-// loan 14 was made final, returned to temporary and deleted, and waits in the deleted loans
+// loan 15 was made final, returned to temporary and deleted, and waits in the deleted loans
 // for a restore.
 void writeHistory(Writer& w) {
     using C = snapshot::Command;
@@ -489,25 +489,25 @@ void writeHistory(Writer& w) {
     snapshot::Parts before12 = now12;
     before12.members << member(7, 8);
 
-    // Loan 14: stored, then deleted; its ID is never handed out again.
+    // Loan 15: stored, then deleted; its ID is never handed out again.
     w.exec(
         u"insert into tblHRLoan (ID, Code, TypeID, PaymentDate, FarsiPaymentDate, BeginDate, "
         u"FarsiBeginDate, EndDate, FarsiEndDate, LoanValue, OriginalLoanValue, MonthlyValue, "
         u"PayBackNumber, UseRemainedValueInFirstMonth, Notes) values "
-        u"(14, NULL, 4, ?, '1403/06/10', ?, '1403/06/31', ?, '1404/02/31', 40000000, 40000000, "
+        u"(15, NULL, 4, ?, '1403/06/10', ?, '1403/06/31', ?, '1404/02/31', 40000000, 40000000, "
         u"5000000, 8, 0, ?)"_s,
         {dateValue({1403, 6, 10}), dateValue({1403, 6, 31}), dateValue({1404, 2, 31}),
          u"خرید یخچال"_s});
     for (const auto& [employee, guarantor] : {std::pair{18, 20}, std::pair{21, 0}})
         w.exec(
             u"insert into tblHRLoanDetail (LoanID, EmployeeID, SupporterEmployeeID1) values "
-            u"(14, ?, ?)"_s,
+            u"(15, ?, ?)"_s,
             {employee, guarantor ? QVariant(guarantor) : QVariant(QMetaType::fromType<int>())});
-    const snapshot::Parts deleted14 = storedLoan(w, 14);
-    snapshot::Parts final14 = deleted14;  // for a day it was final, with the number 10
-    final14.loan->insert(u"Code"_s, 10);
-    w.exec(u"delete from tblHRLoanDetail where LoanID=14"_s);
-    w.exec(u"delete from tblHRLoan where ID=14"_s);
+    const snapshot::Parts deleted15 = storedLoan(w, 15);
+    snapshot::Parts final15 = deleted15;  // for a day it was final, with the number 10
+    final15.loan->insert(u"Code"_s, 10);
+    w.exec(u"delete from tblHRLoanDetail where LoanID=15"_s);
+    w.exec(u"delete from tblHRLoan where ID=15"_s);
 
     const Change changes[] = {
         {9, C::TemporarySave, u"2024-09-20 05:42:10.250", clerk, nullptr, &new9},
@@ -516,10 +516,10 @@ void writeHistory(Writer& w) {
         {9, C::FinalSave, u"2024-09-21 07:31:44.125", clerk, &second9, &final9},
         {12, C::TemporarySave, u"2024-09-22 06:15:00.000", clerk, nullptr, &before12},
         {12, C::RemoveMember, u"2024-09-22 08:47:19.000", clerk, &before12, &now12},
-        {14, C::TemporarySave, u"2024-09-23 05:30:00.000", clerk, nullptr, &deleted14},
-        {14, C::FinalSave, u"2024-09-23 05:34:12.000", clerk, &deleted14, &final14},
-        {14, C::BackToTemporary, u"2024-09-24 06:20:48.000", 0, &final14, &deleted14},
-        {14, C::Delete, u"2024-09-24 06:21:30.000", 0, &deleted14, nullptr},
+        {15, C::TemporarySave, u"2024-09-23 05:30:00.000", clerk, nullptr, &deleted15},
+        {15, C::FinalSave, u"2024-09-23 05:34:12.000", clerk, &deleted15, &final15},
+        {15, C::BackToTemporary, u"2024-09-24 06:20:48.000", 0, &final15, &deleted15},
+        {15, C::Delete, u"2024-09-24 06:21:30.000", 0, &deleted15, nullptr},
     };
     for (const Change& c : changes) writeChange(w, c);
 }

@@ -65,10 +65,8 @@ inline const QString FactAll = u"همه"_s;
 
 // Saving: the dialog's title and the suggested names (%1: the month as yyyy-mm).
 inline const QString ExportDialogTitle = u"ذخيره کسور ماهانه وام"_s;
-inline const QString CsvFileName = u"کسور وام %1.csv"_s;
-inline const QString PdfFileName = u"کسور وام %1.pdf"_s;
-inline const QString CsvFilter = u"CSV (*.csv)"_s;
-inline const QString PdfFilter = u"PDF (*.pdf)"_s;
+// The exports' proposed file name (%1: the month), before today's date.
+inline const QString FileName = u"کسور وام %1"_s;
 
 // Warnings, titled WarningTitle.
 inline const QString WarningTitle = u"هشدار"_s;

@@ -2,14 +2,12 @@
 
 #include <QComboBox>
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QStandardPaths>
 #include <QTabWidget>
 #include <QVBoxLayout>
 #include <array>
@@ -23,6 +21,7 @@
 #include "deductions/DeductionsSql.h"
 #include "deductions/DeductionsTexts.h"
 #include "session/Csv.h"
+#include "session/FileDialog.h"
 #include "session/Module.h"
 #include "session/TableDocument.h"
 #include "session/TextProcs.h"
@@ -42,10 +41,6 @@ using vb::Currency;
 
 namespace {
 
-QString defaultSaveFileName(QWidget* parent, const QString& suggested, const QString& filter) {
-    return QFileDialog::getSaveFileName(parent, T::ExportDialogTitle, suggested, filter);
-}
-
 // An amount cell, grouped by threes, straight into the grid.
 void putAmount(FlexGrid& grid, int row, int col, const std::optional<Currency>& amount) {
     if (!amount) return;
@@ -62,7 +57,7 @@ void putNumber(FlexGrid& grid, int row, int col, qint64 n) {
 }  // namespace
 
 FormDeductions::FormDeductions(Module& module, QWidget* parent)
-    : ModuleWindow(module, parent), AskSaveFileName(defaultSaveFileName), module_(module) {
+    : ModuleWindow(module, parent), module_(module) {
     setObjectName(u"FormDeductions"_s);
     buildControls();
     connectHandlers();
@@ -364,19 +359,16 @@ void FormDeductions::updateExports() {
     cmdExportPdf->setEnabled(rows);
 }
 
-QString FormDeductions::savePath(const QString& fileName, const QString& filter,
-                                 const QString& suffix) {
-    QString dir = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    if (dir.isEmpty()) dir = QDir::homePath();
+QString FormDeductions::savePath(const QString& suffix) {
+    // The register's month, then today's Jalali date.
     const QString month = schedule::MonthText(register_.month).replace(u'/', u'-');
-    QString path = AskSaveFileName(this, QDir(dir).filePath(fileName.arg(month)), filter);
-    if (!path.isEmpty() && QFileInfo(path).suffix().isEmpty()) path += suffix;
-    return path;
+    return AskSaveFile(module_, this, T::ExportDialogTitle,
+                       ProposedFileName({T::FileName.arg(month)}), suffix);
 }
 
 void FormDeductions::cmdExportCsv_Click() {
     if (register_.rows.isEmpty()) return;
-    const QString path = savePath(T::CsvFileName, T::CsvFilter, u".csv"_s);
+    const QString path = savePath(u"csv"_s);
     if (path.isEmpty()) return;
     SaveCsv(path, deductions::CsvRows(register_, totals_), {deductions::ColCode});
     // The path reads left to right inside the right-to-left line.
@@ -386,7 +378,7 @@ void FormDeductions::cmdExportCsv_Click() {
 
 void FormDeductions::cmdExportPdf_Click() {
     if (register_.rows.isEmpty()) return;
-    const QString path = savePath(T::PdfFileName, T::PdfFilter, u".pdf"_s);
+    const QString path = savePath(u"pdf"_s);
     if (path.isEmpty()) return;
     {
         BusyPointer busy;

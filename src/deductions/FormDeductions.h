@@ -53,11 +53,6 @@ public:
     void FlexDeductions_Click();
     void FlexDeductions_DblClick();
 
-    // Asks where to save: the suggested path and the filter in, the chosen path out (empty
-    // when the clerk cancels). A save dialog unless replaced.
-    std::function<QString(QWidget* parent, const QString& suggestedPath, const QString& filter)>
-        AskSaveFileName;
-
     QLineEdit* txtMonth;
     QComboBox* cmbLoanType;
     controls::VarekSelector* sltEmployee;
@@ -85,7 +80,7 @@ private:
     void fillTotals();
     void openLoan();
     void updateExports();
-    QString savePath(const QString& fileName, const QString& filter, const QString& suffix);
+    QString savePath(const QString& suffix);
 
     Module& module_;
     deductions::Register register_;

@@ -3,7 +3,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -26,6 +25,7 @@
 #include "search/SearchSql.h"
 #include "search/SearchTexts.h"
 #include "session/Csv.h"
+#include "session/FileDialog.h"
 #include "session/Module.h"
 #include "session/TextProcs.h"
 #include "session/Ui.h"
@@ -40,17 +40,10 @@ using controls::FlexGrid;
 using controls::VarekDate;
 using controls::VarekSelector;
 
-namespace {
-
-
-QString defaultSaveFileName(QWidget* parent, const QString& suggested) {
-    return QFileDialog::getSaveFileName(parent, T::ExportDialogTitle, suggested, T::ExportFilter);
-}
-
-}  // namespace
+namespace {}  // namespace
 
 FormSearch::FormSearch(Module& module, QWidget* parent)
-    : ModuleWindow(module, parent), AskSaveFileName(defaultSaveFileName), module_(module) {
+    : ModuleWindow(module, parent), module_(module) {
     setObjectName(u"FormSearch"_s);
     buildControls();
     connectHandlers();
@@ -378,11 +371,9 @@ void FormSearch::updateExport() { cmdExport->setEnabled(Flexsearchresult->Rows()
 
 void FormSearch::cmdExport_Click() {
     if (Flexsearchresult->Rows() < 2) return;
-    QString dir = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    if (dir.isEmpty()) dir = QDir::homePath();
-    QString path = AskSaveFileName(this, QDir(dir).filePath(T::ExportFileName));
+    const QString path = AskSaveFile(module_, this, T::ExportDialogTitle,
+                                     ProposedFileName({T::ExportFileName}), u"csv"_s);
     if (path.isEmpty()) return;
-    if (QFileInfo(path).suffix().isEmpty()) path += u".csv"_s;
     SaveCsv(path, search::CsvRows(*Flexsearchresult));
     // The path reads left to right inside the right-to-left line.
     const QString shownPath = QChar(0x2066) + QDir::toNativeSeparators(path) + QChar(0x2069);

@@ -54,8 +54,6 @@ public:
     void Flexsearchresult_KeyPress(int& keyAscii);
 
     // Asks where to save the exported rows: the suggested path in, the chosen path out (empty
-    // when the clerk cancels). A save dialog unless replaced.
-    std::function<QString(QWidget* parent, const QString& suggestedPath)> AskSaveFileName;
 
     // Controls, named as the users' documentation names them.
     QComboBox* cmbLoanType;

@@ -63,8 +63,8 @@ inline const QString PairEndDate = u"تاريخ تسويه"_s;
 // "%1 rows saved in the file «%2»."
 inline const QString StatusSaved = u"%1 رکورد در فايل «%2» ذخيره شد."_s;
 inline const QString ExportDialogTitle = u"ذخيره نتيجه جستجو"_s;
-inline const QString ExportFileName = u"نتيجه جستجو.csv"_s;
-inline const QString ExportFilter = u"CSV (*.csv)"_s;
+// The export's proposed file name, before the date.
+inline const QString ExportFileName = u"نتيجه جستجوي وام"_s;
 
 // Errors, shown titled "خطا".
 // The amount box (%1) holds a text (%2) that is not a number.

@@ -1,5 +1,6 @@
 #include "session/Csv.h"
 
+#include <QRegularExpression>
 #include <QSaveFile>
 
 #include "base/Errors.h"
@@ -10,7 +11,21 @@ namespace kav {
 
 namespace {
 
-QString field(const QString& text, bool alwaysQuoted) {
+// A spreadsheet takes a cell that begins with =, +, -, @, a tab or a carriage return for a
+// formula (or its start): such a text gets an apostrophe in front, which the spreadsheet shows
+// as text. A number (digits, an optional minus and fraction) stays a number.
+QString guarded(const QString& text) {
+    static const QRegularExpression number(u"^-?[0-9]+(\\.[0-9]+)?$"_s);
+    if (text.isEmpty()) return text;
+    const QChar first = text.front();
+    const bool risky = first == u'=' || first == u'+' || first == u'-' || first == u'@' ||
+                       first == u'\t' || first == u'\r';
+    if (!risky || number.match(text).hasMatch()) return text;
+    return u'\'' + text;
+}
+
+QString field(const QString& raw, bool alwaysQuoted) {
+    const QString text = guarded(raw);
     if (!alwaysQuoted && !text.contains(u',') && !text.contains(u'"') && !text.contains(u'\n') &&
         !text.contains(u'\r'))
         return text;

@@ -2,7 +2,9 @@
 
 // Rows of texts as a CSV file a spreadsheet opens correctly: UTF-8 with a byte-order mark,
 // fields separated by commas, a field holding a comma, a quote or a line break between double
-// quotes with its quotes doubled, lines ended by CR LF.
+// quotes with its quotes doubled, lines ended by CR LF. A text that begins with =, +, -, @, a
+// tab or a carriage return gets an apostrophe in front, so that no spreadsheet takes it for a
+// formula; a number (digits, an optional minus and fraction) stays as it is.
 
 #include <QList>
 #include <QString>

@@ -12,6 +12,7 @@
 #include <typeindex>
 
 #include "session/DataEnvironment.h"
+#include "session/FileDialog.h"
 #include "session/Messages.h"
 #include "session/Session.h"
 
@@ -61,6 +62,10 @@ public:
     void SetCaptionNote(const QString& note) { captionNote_ = note; }
     const QString& CaptionNote() const { return captionNote_; }
 
+    // The question every export asks for its file (session/FileDialog.h); tests answer it.
+    void SetSaveFileQuestion(SaveFileQuestion question) { saveFile_ = std::move(question); }
+    const SaveFileQuestion& saveFileQuestion() const { return saveFile_; }
+
     void SetModalRunner(ModalRunner runner) { modal_ = std::move(runner); }
     int ShowModal(QDialog& dialog) const;
 
@@ -105,6 +110,7 @@ private:
     std::unique_ptr<DataEnvironment> dtEn_;
     MessageFactory messages_;
     ModalRunner modal_;
+    SaveFileQuestion saveFile_ = AskWithFileDialog;
     QString captionNote_;
     std::function<void()> lockWaitHook_;
     std::map<std::type_index, std::unique_ptr<QObject>> windows_;

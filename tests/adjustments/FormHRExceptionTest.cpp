@@ -5,6 +5,10 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include "AdjustmentFixture.h"
@@ -208,21 +212,30 @@ TEST_F(AdjustmentTest, TheMembersScheduleFollowsTheMemberAndTheAdjustments) {
 TEST_F(AdjustmentTest, TheScheduleIsSavedThroughTheFileDialog) {
     auto& w = open(u"1"_s, 1);
     QTemporaryDir dir;
+    QSettings().remove(u"Files/LastSaveFolder"_s);  // the first export of all
     QStringList asked;
     QString answer = dir.filePath(u"member"_s);
-    w.saveFileDialog = [&](QWidget*, const QString& caption, const QString& name,
-                           const QString& filter) {
-        asked << caption << name << filter;
-        return answer;
-    };
+    t.module.SetSaveFileQuestion(
+        [&](QWidget*, const QString& caption, const QString& proposed, const QString& filter) {
+            asked << caption + u'|' + QFileInfo(proposed).fileName() + u'|' + filter
+                  << QFileInfo(proposed).absolutePath();
+            return answer;
+        });
     w.cmdExportCsv->click();
-    EXPECT_EQ(asked.join(u'|'), u"ذخيره برنامه بازپرداخت|schedule-1-1001.csv|CSV (*.csv)"_s);
+    // The loan by its number and the member by his code, then today's Jalali date; the
+    // Documents folder the first time, the folder chosen last after that.
+    const QRegularExpression named(
+        u"^ذخيره برنامه بازپرداخت\\|برنامه-بازپرداخت-وام-4-1001-1[34][0-9]{2}-[01][0-9]-[0-3][0-9]\\.csv\\|CSV \\(\\*\\.csv\\)$"_s);
+    ASSERT_EQ(asked.size(), 2);
+    EXPECT_TRUE(named.match(asked[0]).hasMatch()) << asked[0].toStdString();
+    EXPECT_EQ(asked[1], QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     QFile csv(answer + u".csv"_s);
     ASSERT_TRUE(csv.open(QIODevice::ReadOnly));
     const QStringList lines = QString::fromUtf8(csv.readAll()).split(u"\r\n"_s);
     EXPECT_EQ(lines.value(15), u"جمع,,,10000000,60000000,0,"_s);  // the member's
     answer = dir.filePath(u"member.pdf"_s);
     w.cmdExportPdf->click();
+    EXPECT_EQ(asked.value(3), QDir(dir.path()).absolutePath());
     answer.clear();  // the clerk cancels the dialog: nothing written
     w.cmdExportCsv->click();
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).join(u' '), u"member.csv member.pdf"_s);
@@ -252,9 +265,10 @@ TEST_F(AdjustmentTest, PayslipColumnsNamedOtherwiseOrMissing) {
     session().PayslipColumns = {};
     t.module.OpenSessionConnection();
     auto& plain = open(u"1"_s, 1);
-    EXPECT_EQ(plain.lblBalanceProblem->text(),
-              u"ستون‌هاي کارمند، ماه و مبلغ فيش حقوقي (EmployeeID، PayMonth، PaidValue) در جدول "
-              "tblHRMonthlyPaiedLoan نيست؛ فقط مبالغ برنامه‌ريزي شده نشان داده مي‌شود."_s);
+    EXPECT_EQ(
+        plain.lblBalanceProblem->text(),
+        u"ستون‌هاي کارمند، ماه و مبلغ فيش حقوقي (EmployeeID، PayMonth، PaidValue) در جدول "
+        "tblHRMonthlyPaiedLoan نيست؛ فقط مبالغ برنامه‌ريزي شده نشان داده مي‌شود."_s);
     // The plan with its adjustment, two months past the settlement; no payslip amounts.
     EXPECT_EQ(plain.FlexBalance->Rows(), 1 + 14 + 1);
     EXPECT_EQ(plain.FlexBalance->TextMatrix(2, 4), QString());

@@ -154,7 +154,7 @@ TEST_F(DemoDatabase, HistoryLeadsToTheLoansAsStored) {
     }
     EXPECT_EQ(rows, 10);
     for (const int loan : {9, 12}) EXPECT_EQ(last[loan], kav::history::ReadLoan(cnt, loan).text);
-    EXPECT_TRUE(last[14].isNull());
+    EXPECT_TRUE(last[15].isNull());
 }
 
 TEST_F(DemoDatabase, IsLeftAloneWhenCreatedAgainButGainsTheHistoryTable) {

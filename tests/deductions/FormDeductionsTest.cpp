@@ -209,10 +209,11 @@ TEST_F(FormDeductionsTest, SavesCsvAndPdf) {
     f.cmdSearch->click();
     QStringList suggested;
     const QString base = QFileInfo(t.db.file()).absolutePath() + u"/register"_s;
-    f.AskSaveFileName = [&](QWidget*, const QString& path, const QString&) {
-        suggested << QFileInfo(path).fileName();
-        return base;
-    };
+    t.module.SetSaveFileQuestion(
+        [&](QWidget*, const QString&, const QString& path, const QString&) {
+            suggested << QFileInfo(path).fileName().left(19) + u'.' + QFileInfo(path).suffix();
+            return base;
+        });
     f.cmdExportCsv->click();
     QFile csv(base + u".csv"_s);
     ASSERT_TRUE(csv.open(QIODevice::ReadOnly));
@@ -224,7 +225,8 @@ TEST_F(FormDeductionsTest, SavesCsvAndPdf) {
     QFile pdf(base + u".pdf"_s);
     ASSERT_TRUE(pdf.open(QIODevice::ReadOnly));
     EXPECT_TRUE(pdf.read(5) == "%PDF-");
-    EXPECT_EQ(suggested, (QStringList{u"کسور وام 1403-07.csv"_s, u"کسور وام 1403-07.pdf"_s}));
+    // The month, then today's Jalali date.
+    EXPECT_EQ(suggested, (QStringList{u"کسور-وام-1403-07-14.csv"_s, u"کسور-وام-1403-07-14.pdf"_s}));
     EXPECT_TRUE(f.lblStatus->text().startsWith(u"3 رديف در فايل «"_s));
     EXPECT_TRUE(shown().isEmpty());
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QFileInfo>
+
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -261,15 +263,17 @@ TEST_F(SearchTest, ExportsTheShownRowsInTheirOrderAsCsv) {
     FormSearch& f = form();
     QTemporaryDir dir;
     QString asked;
-    f.AskSaveFileName = [&](QWidget*, const QString& suggested) {
-        asked = suggested;
-        return dir.filePath(u"loans"_s);
-    };
+    t.module.SetSaveFileQuestion(
+        [&](QWidget*, const QString&, const QString& proposed, const QString&) {
+            asked = QFileInfo(proposed).fileName();
+            return dir.filePath(u"loans"_s);
+        });
     f.cmdSearch->click();
     f.DoSort(1);
     f.DoSort(1);  // personnel codes descending
     f.cmdExport->click();
-    EXPECT_TRUE(asked.endsWith(u".csv"_s));
+    EXPECT_TRUE(asked.startsWith(u"نتيجه-جستجوي-وام-1"_s) && asked.endsWith(u".csv"_s))
+        << asked.toStdString();
     QFile file(dir.filePath(u"loans.csv"_s));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray bytes = file.readAll();

@@ -1,14 +1,22 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDialogButtonBox>
+#include <QDir>
 #include <QPushButton>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include "base/Errors.h"
+#include "session/Csv.h"
+#include "session/FileDialog.h"
 #include "session/Handler.h"
 #include "session/MessageDialogs.h"
 #include "session/Messages.h"
 #include "session/Module.h"
+#include "session/QtTranslation.h"
 #include "support/ScriptedMessages.h"
 
 using namespace Qt::StringLiterals;
@@ -94,4 +102,43 @@ TEST(MessageDialogs, AnswerFromTheirButtons) {
     dialog.cmdNo->click();
     EXPECT_EQ(session.DialogAnswer, 7);
     EXPECT_EQ(frmMsg().cmdContinue->text(), u"ادامه"_s);
+}
+
+// Qt's own dialogs speak Persian once the application installs Qt's translation; a few of
+// Qt's strings have no Persian yet and stay English.
+TEST(QtDialogs, SpeakPersianOnceTheApplicationAsks) {
+    ASSERT_TRUE(InstallQtPersianTranslation());
+    QDialogButtonBox buttons(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
+    EXPECT_EQ(buttons.button(QDialogButtonBox::Cancel)->text() + u' ' +
+                  buttons.button(QDialogButtonBox::Save)->text(),
+              u"انصراف ذخیره"_s);
+    const std::pair<const char*, const char*> named[] = {{"QFileDialog", "Look in:"},
+                                                         {"QFileDialog", "File &name:"},
+                                                         {"QFileSystemModel", "Date Modified"},
+                                                         {"QPrintDialog", "Print"},
+                                                         {"QPrintPreviewDialog", "Print Preview"},
+                                                         {"QPrintPreviewDialog", "Export to PDF"}};
+    QStringList texts;
+    for (const auto& [context, text] : named) texts << QCoreApplication::translate(context, text);
+    EXPECT_EQ(
+        texts.join(u'|'),
+        u"جستجو در:|&نام پرونده:|تاریخ تغییر|چاپ|پیش‌نمایش چاپ|\u202Bخروجی گرفتن به "
+        "\u202APDF\u202C\u202C"_s);
+}
+
+// The file dialog's proposed names and remembered folder; CSV cells no spreadsheet reads as a
+// formula.
+TEST(Files, ProposedNamesFoldersAndCsvCells) {
+    EXPECT_EQ(
+        ProposedFileName({u"برنامه بازپرداخت"_s, u"وام 12"_s, u"a/b:c"_s}, QDate(2024, 10, 6)),
+        u"برنامه-بازپرداخت-وام-12-a-b-c-1403-07-15"_s);
+    QTemporaryDir dir;
+    QSettings settings(dir.filePath(u"s.conf"_s), QSettings::IniFormat);
+    EXPECT_EQ(SaveFolder(settings),
+              QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    RememberSaveFolder(settings, dir.filePath(u"x.csv"_s));
+    EXPECT_EQ(SaveFolder(settings), QDir(dir.path()).absolutePath());
+    EXPECT_EQ(CsvText({{u"=1+2"_s, u"+98"_s, u"-x"_s, u"@SUM(A1)"_s, u"\tx"_s, u"-12.5"_s, u"-7"_s,
+                        u"12"_s, u"a=b"_s, u"\rx"_s}}),
+              u"'=1+2,'+98,'-x,'@SUM(A1),'\tx,-12.5,-7,12,a=b,\"'\rx\"\r\n"_s);
 }

@@ -1,0 +1,97 @@
+#include "session/FileDialog.h"
+
+#include <QCalendar>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFileSystemModel>
+#include <QIdentityProxyModel>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QStandardPaths>
+
+#include "session/Module.h"
+
+using namespace Qt::StringLiterals;
+
+namespace kav {
+
+namespace {
+
+const QString kFolderKey = u"Files/LastSaveFolder"_s;
+
+QString jalali(const QDate& day, const QString& separator) {
+    const QCalendar::YearMonthDay ymd = QCalendar(QCalendar::System::Jalali).partsFromDate(day);
+    return QStringList{u"%1"_s.arg(ymd.year, 4, 10, QChar(u'0')),
+                       u"%1"_s.arg(ymd.month, 2, 10, QChar(u'0')),
+                       u"%1"_s.arg(ymd.day, 2, 10, QChar(u'0'))}
+        .join(separator);
+}
+
+// The file list's date column as a Jalali date and time, isolated left to right.
+class JalaliDates : public QIdentityProxyModel {
+public:
+    using QIdentityProxyModel::QIdentityProxyModel;
+    QVariant data(const QModelIndex& index, int role) const override {
+        auto* files = qobject_cast<QFileSystemModel*>(sourceModel());
+        if (role == Qt::DisplayRole && files && index.column() == 3) {
+            const QDateTime when = files->lastModified(mapToSource(index));
+            if (when.isValid())
+                return QChar(0x2066) + jalali(when.date(), u"/"_s) + u' ' +
+                       when.time().toString(u"HH:mm"_s) + QChar(0x2069);
+        }
+        return QIdentityProxyModel::data(index, role);
+    }
+};
+
+}  // namespace
+
+QString AskWithFileDialog(QWidget* parent, const QString& caption, const QString& proposedPath,
+                          const QString& filter) {
+    QFileDialog dialog(parent, caption, proposedPath, filter);
+    // Qt's own dialog, not the desktop's: it speaks the application's translation and shows
+    // the dates through the proxy.
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setLayoutDirection(Qt::RightToLeft);
+    dialog.setProxyModel(new JalaliDates(&dialog));
+    dialog.selectFile(QFileInfo(proposedPath).fileName());
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
+    return dialog.selectedFiles().constFirst();
+}
+
+QString SaveFolder(QSettings& settings) {
+    const QString last = settings.value(kFolderKey).toString();
+    if (!last.isEmpty() && QFileInfo(last).isDir()) return last;
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    if (!documents.isEmpty() && QDir().mkpath(documents)) return documents;
+    return QDir::homePath();
+}
+
+void RememberSaveFolder(QSettings& settings, const QString& chosenPath) {
+    settings.setValue(kFolderKey, QFileInfo(chosenPath).absolutePath());
+}
+
+QString AskSaveFile(const Module& module, QWidget* parent, const QString& caption,
+                    const QString& name, const QString& suffix) {
+    QSettings settings;
+    const QString ending = u"."_s + suffix;
+    QString path = module.saveFileQuestion()(parent, caption,
+                                             QDir(SaveFolder(settings)).filePath(name + ending),
+                                             suffix.toUpper() + u" (*"_s + ending + u")"_s);
+    if (path.isEmpty()) return {};
+    if (!path.endsWith(ending, Qt::CaseInsensitive)) path += ending;
+    RememberSaveFolder(settings, path);
+    return path;
+}
+
+QString ProposedFileName(const QStringList& words, const QDate& day) {
+    static const QRegularExpression unfit(u"[\\\\/:*?\"<>|\\s]+"_s);
+    QStringList parts;
+    for (const QString& w : words)
+        if (const QString fit = w.trimmed().replace(unfit, u"-"_s); !fit.isEmpty()) parts << fit;
+    return (parts << jalali(day, u"-"_s)).join(u'-');
+}
+
+}  // namespace kav

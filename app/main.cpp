@@ -36,6 +36,7 @@
 #include "host/kavHRLoan1.h"
 #include "session/MessageDialogs.h"
 #include "session/Module.h"
+#include "session/QtTranslation.h"
 #include "session/Vb.h"
 
 using namespace Qt::StringLiterals;
@@ -178,6 +179,8 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(u"kavhrloan"_s);
     QApplication::setApplicationVersion(QStringLiteral(KAV_VERSION));
     QApplication::setLayoutDirection(Qt::RightToLeft);
+    // Qt's own dialogs (file, print, preview, their buttons) in Persian too.
+    kav::InstallQtPersianTranslation();
     QSettings settings;
 
     QCommandLineParser parser;

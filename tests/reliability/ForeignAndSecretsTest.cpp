@@ -15,6 +15,7 @@
 #include "base/Errors.h"
 #include "host/kavHRLoan1.h"
 #include "loan_editor/FormHRLoan.h"
+#include "session/QtTranslation.h"
 #include "support/QtPrinters.h"
 #include "support/TestDatabase.h"
 
@@ -75,8 +76,9 @@ const struct Foreign {
      u"پايگاه داده «%1» پايگاه داده وام کارمندان نيست: tblHRLoanDetail، tblHRLoanType، "
      u"vwHRLoanData در آن وجود ندارد؛ چيزي در آن نوشته نشد."_s},
     {"a folder", [](const QString& file) { return embedded(QFileInfo(file).path()); },
-     u"اتصال به پايگاه داده برقرار نشد:\n\u2066unable to open database file Error opening "
-     u"database\u2069"_s},
+     // The driver's own words, in Qt's Persian as kavhrloan and this host install it.
+     u"اتصال به پايگاه داده برقرار نشد:\n\u2066unable to open database file خطا در باز کردن "
+     u"پایگاه داده\u2069"_s},
     {"an unknown provider", [](const QString&) { return u"Provider=Jet;Data Source=x.mdb"_s; },
      u"فراهم‌کننده «Jet» در رشته اتصال شناخته نيست؛ SQLOLEDB، SQLNCLI، MSOLEDBSQL، MSDASQL "
      u"يا SQLite پذيرفته مي‌شود."_s},
@@ -104,6 +106,7 @@ const QFile::Permissions kOwnerOnly =
 }  // namespace
 
 TEST(ForeignDatabase, OneLineExitTwoTheSameErrorForTheHostAndTheFileLeftAlone) {
+    ASSERT_TRUE(kav::InstallQtPersianTranslation());  // as kavhrloan does
     for (const Foreign& f : kForeign) {
         SCOPED_TRACE(f.what);
         AppHome app;

@@ -12,6 +12,15 @@ namespace {
 // Wider than this on screen (pixels at 96 dpi, about 18 cm) the page turns across.
 constexpr double kUprightWidth = 700;
 
+// The page's width for the columns and the type that fits on it what the screen shows in its
+// width (the screen's type is of 10 points; on paper 9 at most, and 6 at the least).
+void fit(TableDocument& doc, double screenPixels) {
+    doc.landscape = screenPixels > kUprightWidth;
+    const double paperMm = doc.landscape ? 297 - 24 : 210 - 24;
+    const double screenMm = screenPixels / 96 * 25.4;
+    doc.pointSize = qBound(6.0, 10 * paperMm / qMax(1.0, screenMm), 9.0);
+}
+
 }  // namespace
 
 TableDocument GridDocument(const FlexGrid& grid, const QString& title, const QStringList& facts) {
@@ -31,7 +40,7 @@ TableDocument GridDocument(const FlexGrid& grid, const QString& title, const QSt
         doc.columnShares << twips;
         width += twips / 15.0;
     }
-    doc.landscape = width > kUprightWidth;
+    fit(doc, width);
     doc.lines.reserve(grid.Rows() - 1);
     for (int r = 1; r < grid.Rows(); ++r) {
         TableDocument::Line line;
@@ -64,7 +73,7 @@ TableDocument GridDocument(const QTableView& table, const QString& title,
         doc.columnShares << table.columnWidth(c);
         width += table.columnWidth(c);
     }
-    doc.landscape = width > kUprightWidth;
+    fit(doc, width);
     for (int r = 0; r < model->rowCount(); ++r) {
         if (table.isRowHidden(r)) continue;
         TableDocument::Line line;

@@ -3,7 +3,8 @@
 // A grid on screen as a table to print or save (session/TableDocument.h): its visible columns
 // in the order shown, right to left, each as wide on paper as on screen in proportion, the
 // header's texts as the column titles and its rows as shown (sorted, if the clerk sorted).
-// A grid wider than an upright A4 page is printed across.
+// A grid wider than an upright A4 page is printed across, and one wider than the page in
+// smaller type.
 
 #include <QString>
 #include <QStringList>

@@ -15,8 +15,9 @@ namespace {
 // The document's type on a device: the text, its bold (totals, column titles), the title and
 // the notice, and the heights of their lines.
 struct Type {
-    explicit Type(QPaintDevice& device) : device(&device) {
+    explicit Type(QPaintDevice& device, double pointSize = 9) : device(&device) {
         text = PersianFont(9);
+        text.setPointSizeF(pointSize);
         bold = text;
         bold.setBold(true);
         title = PersianFont(13);
@@ -96,21 +97,23 @@ double heading(QPainter& p, const Type& type, const QSizeF& area, const QString&
 class Pages {
 public:
     Pages(QPaintDevice& device, const QSizeF& area, const TableDocument& doc)
-        : device_(device), area_(area), doc_(doc), type_(device) {
+        : device_(device), area_(area), doc_(doc), type_(device, doc.pointSize) {
         double total = 0;
         for (double share : doc_.columnShares) total += share;
         for (double share : doc_.columnShares)
             widths_ << (total > 0 ? area_.width() * share / total : 0);
         pad_ = type_.lineHeight * 0.2;
+        // The column titles wrap at their columns' widths, every one of them.
+        titles_ = layOut({doc_.columnTitles, true}, true);
         const int perPage = qMax(
             1, int((area_.height() - type_.headingHeight(doc_.notice, doc_.facts, area_.width())) /
                    type_.lineHeight) -
-                   1);
+                   int(titles_.size()));
         pageStarts_ << 0;
         int used = 0;
         for (const TableDocument::Line& line : doc_.lines) {
             const int first = int(lines_.size());
-            layOut(line);
+            lines_ << layOut(line, false);
             const int k = int(lines_.size()) - first;
             if (used > 0 && used + k > perPage) {
                 pageStarts_ << first;
@@ -134,7 +137,9 @@ public:
         for (int n = 0; n < count(); ++n) {
             if (n > 0 && !newPage()) break;
             y = heading(p, type_, area_, doc_.title, doc_.notice, doc_.facts);
-            y = row(p, y, {doc_.columnTitles, true, true}, true);
+            p.fillRect(QRectF(0, y, area_.width(), type_.lineHeight * titles_.size()),
+                       QColor(225, 232, 240));
+            for (const Physical& titles : titles_) y = row(p, y, titles, true);
             const int end = n + 1 < count() ? pageStarts_[n + 1] : int(lines_.size());
             for (int i = pageStarts_[n]; i < end; ++i) y = row(p, y, lines_[i], false);
         }
@@ -151,21 +156,24 @@ private:
         bool last = true;
     };
 
-    void layOut(const TableDocument::Line& line) {
+    // The lines a line of the document takes on paper.
+    QVector<Physical> layOut(const TableDocument::Line& line, bool wrapAll) const {
         const QFontMetricsF metrics(line.bold ? type_.bold : type_.text, &device_);
         QList<QStringList> parts;
         qsizetype k = 1;
         for (int c = 0; c < line.cells.size() && c < widths_.size(); ++c) {
-            parts << (doc_.wrapColumns.contains(c)
+            parts << (wrapAll || doc_.wrapColumns.contains(c)
                           ? wrapped(line.cells[c], metrics, widths_[c] - 2 * pad_)
                           : QStringList{line.cells[c]});
             k = qMax(k, parts.last().size());
         }
+        QVector<Physical> lines;
         for (qsizetype j = 0; j < k; ++j) {
             Physical physical{{}, line.bold, j == k - 1};
             for (const QStringList& cell : parts) physical.cells << cell.value(j);
-            lines_ << physical;
+            lines << physical;
         }
+        return lines;
     }
 
     // One line of the table, its first cell at the right edge.
@@ -174,7 +182,6 @@ private:
         p.setFont(font);
         const QFontMetricsF metrics(font, &device_);
         const double h = type_.lineHeight;
-        if (titles) p.fillRect(QRectF(0, y, area_.width(), h), QColor(225, 232, 240));
         double right = area_.width();
         for (int c = 0; c < line.cells.size() && c < widths_.size(); ++c) {
             const QRectF cell = QRectF(right - widths_[c], y, widths_[c], h).adjusted(pad_, 0, -pad_, 0);
@@ -199,6 +206,7 @@ private:
     Type type_;
     double pad_ = 0;
     QVector<double> widths_;
+    QVector<Physical> titles_;
     QVector<Physical> lines_;
     QVector<int> pageStarts_;  // the first line of each page
 };

@@ -35,6 +35,9 @@ struct TableDocument {
     // line, cut short with an ellipsis.
     QVector<int> wrapColumns;
     bool landscape = false;
+    // The size of the lines' type (the title and the notice keep theirs): smaller for a table
+    // of many columns.
+    double pointSize = 9;
 
     struct Line {
         QStringList cells;

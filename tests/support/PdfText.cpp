@@ -68,9 +68,10 @@ QList<QStringList> PdfRows(const QString& path) {
     return pages;
 }
 
-QStringList PrintedPages(Module& module, const std::function<void()>& print) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath(u"printed.pdf"_s);
+namespace {
+
+// Prints to a PDF file in the folder; true when something was printed.
+bool printToPdf(Module& module, const std::function<void()>& print, const QString& path) {
     module.SetPrintPreview(
         [&](QWidget*, QPrinter& printer, const std::function<void(QPrinter&)>& paint) {
             printer.setOutputFormat(QPrinter::PdfFormat);
@@ -79,7 +80,21 @@ QStringList PrintedPages(Module& module, const std::function<void()>& print) {
         });
     print();
     module.SetPrintPreview({});
-    return QFileInfo::exists(path) ? PdfPages(path) : QStringList();
+    return QFileInfo::exists(path);
+}
+
+}  // namespace
+
+QStringList PrintedPages(Module& module, const std::function<void()>& print) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(u"printed.pdf"_s);
+    return printToPdf(module, print, path) ? PdfPages(path) : QStringList();
+}
+
+QList<QStringList> PrintedRows(Module& module, const std::function<void()>& print) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(u"printed.pdf"_s);
+    return printToPdf(module, print, path) ? PdfRows(path) : QList<QStringList>();
 }
 
 }  // namespace kav::test

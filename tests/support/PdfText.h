@@ -31,5 +31,7 @@ QList<QStringList> PdfRows(const QString& path);
 // Makes the module's print preview print straight to a PDF file (QPrinter's PDF format) and
 // returns the pages printed by `print`; no pages when nothing was printed.
 QStringList PrintedPages(Module& module, const std::function<void()>& print);
+// The same as the pages' rows (PdfRows).
+QList<QStringList> PrintedRows(Module& module, const std::function<void()>& print);
 
 }  // namespace kav::test

@@ -7,8 +7,8 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileDialog>
-#include <QPrintPreviewWidget>
 #include <QLineEdit>
+#include <QPrintPreviewWidget>
 #include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -19,13 +19,14 @@
 #include "adjustments/FormHRException.h"
 #include "adjustments/FormList.h"
 #include "adjustments/ScheduleExport.h"
+#include "base/Errors.h"
+#include "controls/ControlGallery.h"
 #include "controls/VarekCurrency.h"
 #include "controls/VarekDate.h"
-#include "controls/ControlGallery.h"
+#include "controls/VarekSelector.h"
 #include "data/DemoData.h"
 #include "deductions/FormDeductions.h"
 #include "host/kavHRLoan1.h"
-#include "controls/VarekSelector.h"
 #include "loan_editor/FinalSaveChecks.h"
 #include "loan_editor/FormHREmployee.h"
 #include "loan_editor/FormHRLoan.h"
@@ -41,7 +42,6 @@
 #include "session/Module.h"
 #include "session/Printing.h"
 #include "session/TableDocument.h"
-#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 
@@ -327,8 +327,8 @@ int RenderScreenshots(const QString& dir) {
     };
     written += savePages(sheet(finalLoan), printed, dir,
                          {{0, u"loan-sheet"_s}, {1, u"loan-sheet-borrower"_s}});
-    written += savePages(sheet(demoLoan(file, false)), printed, dir,
-                         {{0, u"loan-sheet-temporary"_s}});
+    written +=
+        savePages(sheet(demoLoan(file, false)), printed, dir, {{0, u"loan-sheet-temporary"_s}});
     editor.ViewPRSLoansInfo(finalLoan);
     module->SetModalRunner([&](QDialog& d) {
         if (d.objectName() != u"dlgPrintPreview"_s) return 0;
@@ -343,9 +343,8 @@ int RenderScreenshots(const QString& dir) {
         kav::sheet::FileWords(kav::sheet::ReadLoan(module->DtEn().cnt(), finalLoan)));
     kav::SavePdf(temp.filePath(sheetName + u".pdf"_s), sheet(finalLoan), printed);
     {
-        auto dialog = kav::BuildSaveDialog(nullptr, u"ذخيره برگه وام"_s,
-                                           temp.filePath(sheetName + u"-2.pdf"_s),
-                                           u"PDF (*.pdf)"_s);
+        auto dialog = kav::BuildSaveDialog(
+            nullptr, u"ذخيره برگه وام"_s, temp.filePath(sheetName + u"-2.pdf"_s), u"PDF (*.pdf)"_s);
         dialog->setViewMode(QFileDialog::Detail);
         dialog->resize(900, 520);
         written += save(*dialog, dir, u"file-dialog"_s, 800);

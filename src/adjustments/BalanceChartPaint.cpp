@@ -52,7 +52,9 @@ void PaintBalanceChart(QPainter& p, const QRectF& rect, const BalanceChart& char
     if (plot.width() <= 0 || plot.height() <= 0) return p.restore();
     const double step = plot.width() / n;
     const auto x = [&](int month) { return plot.right() - step * (month + 1); };
-    const auto y = [&](double v) { return plot.bottom() - plot.height() * (v - low) / (high - low); };
+    const auto y = [&](double v) {
+        return plot.bottom() - plot.height() * (v - low) / (high - low);
+    };
     const Qt::Alignment centre = Qt::AlignHCenter | Qt::AlignVCenter;
 
     // The amounts: five rules with their amounts at the right.
@@ -61,9 +63,10 @@ void PaintBalanceChart(QPainter& p, const QRectF& rect, const BalanceChart& char
         p.setPen(QPen(QColor(215, 215, 215), pen / 2));
         p.drawLine(QPointF(plot.left(), y(v)), QPointF(plot.right(), y(v)));
         p.setPen(Qt::black);
-        DrawDocumentText(p, QRectF(plot.right() + line * 0.3, y(v) - line / 2, labels - line * 0.3, line),
-                   Qt::AlignAbsolute | Qt::AlignLeft | Qt::AlignVCenter,
-                   AmountText(vb::Currency::fromDouble(std::round(v))));
+        DrawDocumentText(
+            p, QRectF(plot.right() + line * 0.3, y(v) - line / 2, labels - line * 0.3, line),
+            Qt::AlignAbsolute | Qt::AlignLeft | Qt::AlignVCenter,
+            AmountText(vb::Currency::fromDouble(std::round(v))));
     }
     p.setPen(QPen(QColor(90, 90, 90), pen / 2));
     p.drawLine(plot.bottomLeft(), plot.bottomRight());
@@ -74,8 +77,9 @@ void PaintBalanceChart(QPainter& p, const QRectF& rect, const BalanceChart& char
     const int every = qMax(1, int(std::ceil(monthWidth / step)));
     p.setPen(Qt::black);
     for (int i = 0; i < n; i += every)
-        DrawDocumentText(p, QRectF(x(i) - monthWidth / 2, plot.bottom() + line * 0.3, monthWidth, line),
-                   centre, chart.monthText(i));
+        DrawDocumentText(
+            p, QRectF(x(i) - monthWidth / 2, plot.bottom() + line * 0.3, monthWidth, line), centre,
+            chart.monthText(i));
 
     // The curves, from the loan amount before the first month.
     const auto polyline = [&](const QVector<vb::Currency>& points, int from, int to) {
@@ -99,8 +103,7 @@ void PaintBalanceChart(QPainter& p, const QRectF& rect, const BalanceChart& char
         const double at = x(*chart.settlement);
         p.setPen(QPen(kSettlement, pen, Qt::DashDotLine));
         p.drawLine(QPointF(at, plot.top()), QPointF(at, plot.bottom()));
-        const QString text =
-            ChartSettlementText() + u' ' + chart.monthText(*chart.settlement);
+        const QString text = ChartSettlementText() + u' ' + chart.monthText(*chart.settlement);
         const double w = fm.horizontalAdvance(text) + line;
         const double left = qBound(rect.left(), at - w / 2, rect.right() - w);
         p.setPen(kSettlement);

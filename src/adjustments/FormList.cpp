@@ -182,10 +182,9 @@ void FormList::cmdPrint_Click() {
     if (FlexEmployee->Rows() < 2) return;
     // The filters the rows were found with head every page.
     QStringList filters;
-    for (const auto& [label, text] :
-         {std::pair{T::LabelEmployee, sltEmployee->Text()},
-          std::pair{T::ListLabelFrom, datBeginDate->farsidate()},
-          std::pair{T::ListLabelTo, datEndDate->farsidate()}})
+    for (const auto& [label, text] : {std::pair{T::LabelEmployee, sltEmployee->Text()},
+                                      std::pair{T::ListLabelFrom, datBeginDate->farsidate()},
+                                      std::pair{T::ListLabelTo, datEndDate->farsidate()}})
         if (!text.trimmed().isEmpty()) filters << label + u' ' + text.trimmed();
     if (!filters.isEmpty()) filters = QStringList{filters.join(u"   "_s)};
     PrintDocument(module_, this,

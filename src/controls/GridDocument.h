@@ -23,7 +23,6 @@ TableDocument GridDocument(const FlexGrid& grid, const QString& title, const QSt
 
 // A table view's rows; a cell keeps every line of its text, wrapped at its column's width.
 // A column whose first cell is centred stays centred.
-TableDocument GridDocument(const QTableView& table, const QString& title,
-                           const QStringList& facts);
+TableDocument GridDocument(const QTableView& table, const QString& title, const QStringList& facts);
 
 }  // namespace kav::controls

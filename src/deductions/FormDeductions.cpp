@@ -387,7 +387,8 @@ void FormDeductions::cmdExportPdf_Click() {
     if (path.isEmpty()) return;
     {
         BusyPointer busy;
-        SaveDocumentPdf(module_, path, TablePages(deductions::Document(register_, totals_, facts_)));
+        SaveDocumentPdf(module_, path,
+                        TablePages(deductions::Document(register_, totals_, facts_)));
     }
     lblStatus->setText(T::StatusSaved.arg(register_.rows.size())
                            .arg(QChar(0x2066) + QDir::toNativeSeparators(path) + QChar(0x2069)));

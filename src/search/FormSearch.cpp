@@ -378,9 +378,10 @@ void FormSearch::updateExport() {
 
 void FormSearch::cmdPrint_Click() {
     if (Flexsearchresult->Rows() < 2) return;
-    PrintDocument(module_, this,
-                  TablePages(controls::GridDocument(*Flexsearchresult, windowTitle(),
-                                                    {T::StatusFound.arg(Flexsearchresult->Rows() - 1)})));
+    PrintDocument(
+        module_, this,
+        TablePages(controls::GridDocument(*Flexsearchresult, windowTitle(),
+                                          {T::StatusFound.arg(Flexsearchresult->Rows() - 1)})));
 }
 
 void FormSearch::cmdExport_Click() {

@@ -3,10 +3,10 @@
 #include <QCalendar>
 #include <QFontMetricsF>
 #include <QGlyphRun>
-#include <QPaintEngine>
 #include <QPageLayout>
 #include <QPageSize>
 #include <QPagedPaintDevice>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPdfWriter>

@@ -184,12 +184,13 @@ private:
         const double h = type_.lineHeight;
         double right = area_.width();
         for (int c = 0; c < line.cells.size() && c < widths_.size(); ++c) {
-            const QRectF cell = QRectF(right - widths_[c], y, widths_[c], h).adjusted(pad_, 0, -pad_, 0);
+            const QRectF cell =
+                QRectF(right - widths_[c], y, widths_[c], h).adjusted(pad_, 0, -pad_, 0);
             const Qt::Alignment align = (!titles && doc_.textColumns.contains(c))
                                             ? Qt::Alignment(Qt::AlignAbsolute | Qt::AlignRight)
                                             : Qt::Alignment(Qt::AlignHCenter);
             DrawDocumentText(p, cell, align | Qt::AlignVCenter,
-                       metrics.elidedText(line.cells[c], Qt::ElideRight, cell.width()));
+                             metrics.elidedText(line.cells[c], Qt::ElideRight, cell.width()));
             right -= widths_[c];
         }
         if (line.last) {

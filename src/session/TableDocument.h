@@ -54,7 +54,7 @@ int TablePageCount(QPaintDevice& device, const QSizeF& area, const TableDocument
 // the painting. A line taller than the room left on a page starts the next page. Returns where
 // the last page's table ends.
 double PaintTableDocument(QPainter& painter, QPaintDevice& device, const QSizeF& area,
-                        const TableDocument& document, const NewPage& newPage);
+                          const TableDocument& document, const NewPage& newPage);
 
 // The heading the table's pages start with (title, notice, facts), painted at the top of the
 // area; returns where it ends. Other documents start their pages with it too.

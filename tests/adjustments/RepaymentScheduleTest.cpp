@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <algorithm>
 #include <QTemporaryDir>
+#include <algorithm>
 
 #include "adjustments/BalanceChart.h"
 #include "adjustments/RepaymentSchedule.h"
@@ -183,8 +183,10 @@ TEST(ScheduleExport, CsvRowsHoldPlainAmountsNotesAndTotals) {
 TEST(ScheduleExport, ThePdfHoldsTheMonthsTheTotalsAndTheChart) {
     QTemporaryDir dir;
     const Schedule s = sample();
-    const auto chart = ChartOf(terms(1000000, 300000, 3, 2, u"1402/11/30"_s, u"1403/01/31"_s), s, s);
-    const PagedDocument doc = Document(u"برنامه بازپرداخت وام"_s, {u"کارمند: 1001 - علي رضايي"_s}, s, chart);
+    const auto chart =
+        ChartOf(terms(1000000, 300000, 3, 2, u"1402/11/30"_s, u"1403/01/31"_s), s, s);
+    const PagedDocument doc =
+        Document(u"برنامه بازپرداخت وام"_s, {u"کارمند: 1001 - علي رضايي"_s}, s, chart);
     const QString path = dir.filePath(u"s.pdf"_s);
     SavePdf(path, doc, u"چاپ توسط کاربر 3"_s);
     const QList<QStringList> rows = test::PdfRows(path);
@@ -215,8 +217,7 @@ TEST(ScheduleExport, ThePdfHoldsTheMonthsTheTotalsAndTheChart) {
 TEST(BalanceChart, PlanAndDeductionsMonthByMonth) {
     const LoanTerms t = terms(1000000, 300000, 3, 0, u"1402/11/30"_s, u"1403/01/31"_s);
     const QVector<Payslip> paid = {{u"1402/11"_s, R(300000)}, {u"1402/12"_s, R(200000)}};
-    const std::optional<BalanceChart> chart =
-        ChartOf(t, Compute(t, {}, paid), Compute(t, {}, {}));
+    const std::optional<BalanceChart> chart = ChartOf(t, Compute(t, {}, paid), Compute(t, {}, {}));
     ASSERT_TRUE(chart);
     EXPECT_EQ(chart->planned, (QVector<Currency>{R(700000), R(400000), R(0)}));
     EXPECT_EQ(chart->actual, (QVector<Currency>{R(700000), R(500000), R(100000), R(0)}));

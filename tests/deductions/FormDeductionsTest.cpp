@@ -227,7 +227,8 @@ TEST_F(FormDeductionsTest, SavesCsvAndPdf) {
     // same pages.
     const QList<QStringList> rows = test::PdfRows(base + u".pdf"_s);
     ASSERT_EQ(rows.size(), 1);
-    EXPECT_TRUE(rows[0].contains(test::Plain(u"1001|علي رضايي|1|ضروري|1/000/000|1/000/000|900/000|3/100/000"_s)));
+    EXPECT_TRUE(rows[0].contains(
+        test::Plain(u"1001|علي رضايي|1|ضروري|1/000/000|1/000/000|900/000|3/100/000"_s)));
     EXPECT_TRUE(rows[0].join(u'|').contains(test::Plain(u"چاپ توسط کاربر"_s)));
     const QStringList printed = test::PrintedPages(t.module, [&] { f.cmdPrint->click(); });
     ASSERT_EQ(printed.size(), 1);

@@ -13,12 +13,12 @@
 #include "loan_editor/LoanStatusBar.h"
 #include "loan_editor/history/FormDeletedLoans.h"
 #include "loan_editor/history/FormLoanHistory.h"
-#include "support/PdfText.h"
 #include "loan_editor/history/HistoryMenu.h"
 #include "loan_editor/history/HistorySql.h"
 #include "loan_editor/history/HistoryWords.h"
 #include "loan_editor/history/LoanRestore.h"
 #include "session/LoanHistory.h"
+#include "support/PdfText.h"
 #include "support/TsqlCheck.h"
 
 using namespace Qt::StringLiterals;
@@ -458,8 +458,8 @@ TEST_F(EditorTest, ARemovedMemberIsPutBackFromTheHistoryAndSavedWithTheLoan) {
         // Printed, every row with its differences.
         const QStringList printed = PrintedPages(t.module, [&] { h.cmdPrint->click(); });
         ASSERT_EQ(printed.size(), 1);
-        for (const QString& text : {u"تاريخچه وام"_s, u"کارمند افزوده شد"_s, u"کارمند حذف شد"_s,
-                                    u"حسن کريمي"_s})
+        for (const QString& text :
+             {u"تاريخچه وام"_s, u"کارمند افزوده شد"_s, u"کارمند حذف شد"_s, u"حسن کريمي"_s})
             EXPECT_TRUE(printed[0].contains(Plain(text))) << text.toStdString();
     };
     history::ShowHistory(editor());

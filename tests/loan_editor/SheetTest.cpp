@@ -1,10 +1,10 @@
 // The loan sheet: what its pages say, the Tools menu's entries, the PDF and the printed pages.
 
 #include <QCalendar>
-#include <algorithm>
 #include <QFile>
 #include <QMenu>
 #include <QTemporaryDir>
+#include <algorithm>
 
 #include "EditorFixture.h"
 #include "base/Errors.h"
@@ -36,16 +36,17 @@ protected:
 };
 
 TEST_F(SheetTest, WhatEachPageSays) {
-    EXPECT_EQ(CheckedTsql(sheet::MembersQuery(data::SqlDialect(data::DatabaseKind::SqlServer), 7)),
-              u"select d.EmployeeID, e.Code, e.FirstName +' '+e.SureName as 'EmployeeName', "
-              "d.SupporterEmployeeID1, s1.Code as 'SupporterCode1', s1.FirstName +' '+s1.SureName "
-              "as 'SupporterName1', d.SupporterEmployeeID2, s2.Code as 'SupporterCode2', "
-              "s2.FirstName +' '+s2.SureName as 'SupporterName2', d.SupporterEmployeeID3, s3.Code "
-              "as 'SupporterCode3', s3.FirstName +' '+s3.SureName as 'SupporterName3' from "
-              "tblHRLoanDetail d left outer join tblEmployee e on e.ID=d.EmployeeID left outer join "
-              "tblEmployee s1 on s1.ID=d.SupporterEmployeeID1 left outer join tblEmployee s2 on "
-              "s2.ID=d.SupporterEmployeeID2 left outer join tblEmployee s3 on "
-              "s3.ID=d.SupporterEmployeeID3 where d.LoanID=7"_s);
+    EXPECT_EQ(
+        CheckedTsql(sheet::MembersQuery(data::SqlDialect(data::DatabaseKind::SqlServer), 7)),
+        u"select d.EmployeeID, e.Code, e.FirstName +' '+e.SureName as 'EmployeeName', "
+        "d.SupporterEmployeeID1, s1.Code as 'SupporterCode1', s1.FirstName +' '+s1.SureName "
+        "as 'SupporterName1', d.SupporterEmployeeID2, s2.Code as 'SupporterCode2', "
+        "s2.FirstName +' '+s2.SureName as 'SupporterName2', d.SupporterEmployeeID3, s3.Code "
+        "as 'SupporterCode3', s3.FirstName +' '+s3.SureName as 'SupporterName3' from "
+        "tblHRLoanDetail d left outer join tblEmployee e on e.ID=d.EmployeeID left outer join "
+        "tblEmployee s1 on s1.ID=d.SupporterEmployeeID1 left outer join tblEmployee s2 on "
+        "s2.ID=d.SupporterEmployeeID2 left outer join tblEmployee s3 on "
+        "s3.ID=d.SupporterEmployeeID3 where d.LoanID=7"_s);
 
     // The temporary loan: the notice, its ID, its terms, its two members.
     const sheet::Content temporary = content(TemporaryLoan);
@@ -66,8 +67,9 @@ TEST_F(SheetTest, WhatEachPageSays) {
               u"1|1001|علي رضايي|1002 - مريم احمدي|1003 - حسن کريمي\n2|1004|زهرا موسوي"_s);
     ASSERT_EQ(temporary.borrowers.size(), 2);
     const sheet::BorrowerPage& first = temporary.borrowers[0];
-    EXPECT_EQ(first.facts.mid(0, 3).join(u'\n'),
-              u"شماره رايانه اي: 1 (وام موقت)\nوام گيرنده: 1001 - علي رضايي\nنوع وام: قرض الحسنه"_s);
+    EXPECT_EQ(
+        first.facts.mid(0, 3).join(u'\n'),
+        u"شماره رايانه اي: 1 (وام موقت)\nوام گيرنده: 1001 - علي رضايي\nنوع وام: قرض الحسنه"_s);
     EXPECT_EQ(rows(first.guarantorRows), u"1|1002|مريم احمدي\n2|1003|حسن کريمي"_s);
     EXPECT_EQ(first.signatures.join(u'|'),
               u"امضاي وام گيرنده: علي رضايي|امضاي ضامن 1: مريم احمدي|امضاي ضامن 2: حسن کريمي"_s);
@@ -81,8 +83,9 @@ TEST_F(SheetTest, WhatEachPageSays) {
     EXPECT_EQ(final.title, u"وام کارمندان - برگه وام شماره 7"_s);
     EXPECT_EQ(final.notice, QString());
     EXPECT_EQ(final.facts.value(0), u"شماره وام: 7\u2003\u2003شماره رايانه اي: 2"_s);
-    EXPECT_EQ(final.facts.value(3), u"تعداد اقساط: 3\u2003\u2003اقساط ماهيانه: 300\u2003\u2003"
-                                    "مانده: 0\u2003\u2003پرداخت مانده اقساط در: ماه آخر"_s);
+    EXPECT_EQ(final.facts.value(3),
+              u"تعداد اقساط: 3\u2003\u2003اقساط ماهيانه: 300\u2003\u2003"
+              "مانده: 0\u2003\u2003پرداخت مانده اقساط در: ماه آخر"_s);
     const sheet::Content sparse = content(SparseLoan);
     EXPECT_EQ(sparse.facts.mid(2, 5).join(u'\n'),
               u"مبلغ وام: 500\u2003\u2003مبلغ اوليه: -\n"
@@ -127,10 +130,11 @@ TEST_F(SheetTest, TheToolsMenuOffersItForAStoredLoanInView) {
 TEST_F(SheetTest, SavedAsPdfItHoldsEveryMemberGuarantorAndSignature) {
     QTemporaryDir dir;
     QString proposed, answer;
-    t.module.SetSaveFileQuestion([&](QWidget*, const QString&, const QString& path, const QString&) {
-        proposed = QFileInfo(path).fileName();
-        return answer;
-    });
+    t.module.SetSaveFileQuestion(
+        [&](QWidget*, const QString&, const QString& path, const QString&) {
+            proposed = QFileInfo(path).fileName();
+            return answer;
+        });
     editor().ViewPRSLoansInfo(TemporaryLoan);
     entry("mnuSaveSheetPdf")->trigger();
     EXPECT_TRUE(QDir(dir.path()).isEmpty());
@@ -158,7 +162,8 @@ TEST_F(SheetTest, SavedAsPdfItHoldsEveryMemberGuarantorAndSignature) {
     };
     for (int n = 0; n < 3; ++n)
         EXPECT_TRUE(pages[n].join(u'|').contains(Plain(u"محاسبات فيش حقوقي لحاظ نمي شود"_s))) << n;
-    EXPECT_TRUE(row(0, u"1|1001|علي رضايي|"_s, {u"1002"_s, u"مريم احمدي"_s, u"1003"_s, u"حسن کريمي"_s}));
+    EXPECT_TRUE(
+        row(0, u"1|1001|علي رضايي|"_s, {u"1002"_s, u"مريم احمدي"_s, u"1003"_s, u"حسن کريمي"_s}));
     EXPECT_TRUE(row(0, u"2|1004|زهرا موسوي"_s, {}));
     EXPECT_TRUE(row(1, u"1|1002|مريم احمدي"_s, {}));
     EXPECT_TRUE(row(1, u"2|1003|حسن کريمي"_s, {}));
@@ -189,7 +194,8 @@ TEST_F(SheetTest, PrintedAsOnPaperAndNotWhenTheLoanIsGone) {
     for (const QString& page : pages) EXPECT_TRUE(page.contains(Plain(u"چاپ توسط کاربر"_s)));
     EXPECT_TRUE(pages[1].contains(u"1001"_s) && pages[1].contains(u"1003"_s));
 
-    t.db.exec({u"delete from tblHRLoanDetail where LoanID=1"_s, u"delete from tblHRLoan where ID=1"_s});
+    t.db.exec(
+        {u"delete from tblHRLoanDetail where LoanID=1"_s, u"delete from tblHRLoan where ID=1"_s});
     EXPECT_TRUE(PrintedPages(t.module, [&] { entry("mnuPrintSheet")->trigger(); }).isEmpty());
     EXPECT_EQ(Shown(), QStringList{u"خطا: وامي با شماره رايانه اي 1 يافت نشد."_s});
 }

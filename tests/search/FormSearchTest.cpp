@@ -2,12 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <QFileInfo>
-
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>

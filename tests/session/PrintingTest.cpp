@@ -27,9 +27,8 @@ TableDocument members() {
     doc.columnShares = {1, 2, 3};
     doc.wrapColumns = {2};
     for (int i = 1; i <= 150; ++i)
-        doc.lines << TableDocument::Line{
-            {u"C%1"_s.arg(i, 3, 10, QChar(u'0')), u"کارمند"_s,
-             i == 5 ? u"سطر اول\nسطر دوم\nسطر سوم"_s : QString()}};
+        doc.lines << TableDocument::Line{{u"C%1"_s.arg(i, 3, 10, QChar(u'0')), u"کارمند"_s,
+                                          i == 5 ? u"سطر اول\nسطر دوم\nسطر سوم"_s : QString()}};
     return doc;
 }
 
@@ -40,14 +39,15 @@ TableDocument members() {
 TEST(Printing, TheFootNamesWhoPrintedAndWhen) {
     EXPECT_EQ(PrintedText(u"علي رضايي (کاربر 3)"_s, QDateTime(QDate(2024, 10, 6), QTime(14, 5))),
               u"چاپ توسط علي رضايي (کاربر 3)، 1403/07/15 ساعت 14:05"_s);
-    EXPECT_EQ(test::CheckedTsql(
-                  PrinterNameQuery(data::SqlDialect(data::DatabaseKind::SqlServer), 12)),
-              u"select e.FirstName +' '+e.SureName as 'EmployeeName' from tblEmployee e Where "
-              "e.ID=12"_s);
+    EXPECT_EQ(
+        test::CheckedTsql(PrinterNameQuery(data::SqlDialect(data::DatabaseKind::SqlServer), 12)),
+        u"select e.FirstName +' '+e.SureName as 'EmployeeName' from tblEmployee e Where "
+        "e.ID=12"_s);
 
     test::TestModule t;
-    t.db.exec(u"insert into tblEmployee (ID, Code, FirstName, SureName) values (12, '1001', "
-              "'علي', 'رضايي')"_s);
+    t.db.exec(
+        u"insert into tblEmployee (ID, Code, FirstName, SureName) values (12, '1001', "
+        "'علي', 'رضايي')"_s);
     Session& s = t.module.session;
     s.SessionUserID = 3;
     QStringList names;
@@ -97,8 +97,8 @@ TEST(Printing, ATableRepeatsItsHeadingAndFootOnEveryPage) {
 TEST(Printing, PrintingPaintsThePagesOfThePdf) {
     test::TestModule t;
     t.module.session.SessionUserID = 3;
-    const QStringList pages =
-        test::PrintedPages(t.module, [&] { PrintDocument(t.module, nullptr, TablePages(members())); });
+    const QStringList pages = test::PrintedPages(
+        t.module, [&] { PrintDocument(t.module, nullptr, TablePages(members())); });
     ASSERT_GE(pages.size(), 4);
     EXPECT_TRUE(pages.last().contains(u"C150"_s));
     EXPECT_TRUE(pages.last().contains(Plain(u"چاپ توسط کاربر"_s)));
@@ -114,7 +114,8 @@ TEST(Printing, PrintingPaintsThePagesOfThePdf) {
     });
     PagedDocument counted = TablePages(members());
     const auto paint = counted.paint;
-    counted.paint = [&](QPainter& p, QPaintDevice& device, const QSizeF& area, const NewPage& next) {
+    counted.paint = [&](QPainter& p, QPaintDevice& device, const QSizeF& area,
+                        const NewPage& next) {
         ++painted;
         paint(p, device, area, next);
     };

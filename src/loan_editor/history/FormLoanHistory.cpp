@@ -18,8 +18,8 @@
 #include "loan_editor/LoanStatusBar.h"
 #include "loan_editor/history/HistoryTexts.h"
 #include "loan_editor/history/HistoryWords.h"
-#include "session/TextProcs.h"
 #include "session/Printing.h"
+#include "session/TextProcs.h"
 #include "session/Ui.h"
 
 using namespace Qt::StringLiterals;
@@ -163,8 +163,9 @@ void FormLoanHistory::cmdPutBack_Click() {
 void FormLoanHistory::cmdExit_Click() { close(); }
 
 void FormLoanHistory::cmdPrint_Click() {
-    PrintDocument(module(), this,
-                  TablePages(controls::GridDocument(*grdHistory, windowTitle(), {lblLoan->text()})));
+    PrintDocument(
+        module(), this,
+        TablePages(controls::GridDocument(*grdHistory, windowTitle(), {lblLoan->text()})));
 }
 
 }  // namespace kav

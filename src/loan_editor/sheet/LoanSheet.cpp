@@ -100,16 +100,15 @@ Content ContentOf(const Loan& loan, const QString& sessionTitle) {
     c.title = temporary ? T::TitleTemporary.arg(sessionTitle)
                         : T::TitleFinal.arg(sessionTitle, loan.code);
     if (temporary) c.notice = T::Notice;
-    const QString number = temporary ? T::FactTemporaryNumber.arg(loan.id)
-                                     : T::FactNumber.arg(loan.code).arg(loan.id);
+    const QString number =
+        temporary ? T::FactTemporaryNumber.arg(loan.id) : T::FactNumber.arg(loan.code).arg(loan.id);
     const QStringList terms = {
         T::FactType.arg(orNone(loan.type)),
         T::FactAmounts.arg(amount(loan.loanValue), amount(loan.originalValue)),
-        T::FactInstalments.arg(
-            orNone(FieldText(loan.payBackNumber)), amount(loan.monthlyValue),
-            orNone(GroupDigits(
-                loan::txtRemOnLoad(loan.loanValue, loan.monthlyValue, loan.payBackNumber))),
-            remainderOption(loan.remainderOption)),
+        T::FactInstalments.arg(orNone(FieldText(loan.payBackNumber)), amount(loan.monthlyValue),
+                               orNone(GroupDigits(loan::txtRemOnLoad(
+                                   loan.loanValue, loan.monthlyValue, loan.payBackNumber))),
+                               remainderOption(loan.remainderOption)),
         T::FactDates.arg(orNone(loan.paymentDate), orNone(loan.beginDate), orNone(loan.endDate)),
     };
     c.facts = QStringList{number} + terms +

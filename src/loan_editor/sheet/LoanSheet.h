@@ -63,9 +63,9 @@ struct BorrowerPage {
     QString guarantorsTitle;
     QStringList guarantorColumns;
     QList<QStringList> guarantorRows;
-    QString noGuarantor;               // instead of the table when he has none
-    QString pledge;                    // the sentence above the signatures
-    QStringList signatures;            // each box's caption: the borrower, then each guarantor
+    QString noGuarantor;     // instead of the table when he has none
+    QString pledge;          // the sentence above the signatures
+    QStringList signatures;  // each box's caption: the borrower, then each guarantor
 };
 
 struct Content {

@@ -53,9 +53,9 @@ void paintBorrower(QPainter& p, QPaintDevice& device, const QSizeF& area, const 
         p.drawRect(box);
         const QRectF inside = box.adjusted(3 * mm, 2 * mm, -3 * mm, -2 * mm);
         DrawDocumentText(p, QRectF(inside.left(), inside.top(), inside.width(), line), right,
-                   page.signatures[i]);
-        DrawDocumentText(p, QRectF(inside.left(), inside.bottom() - line, inside.width(), line), right,
-                   texts::SignDate);
+                         page.signatures[i]);
+        DrawDocumentText(p, QRectF(inside.left(), inside.bottom() - line, inside.width(), line),
+                         right, texts::SignDate);
     }
     p.restore();
 }

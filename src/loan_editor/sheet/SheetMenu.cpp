@@ -73,8 +73,7 @@ void SaveSheetPdf(FormHRLoan& editor) {
     if (path.isEmpty()) return;
     {
         BusyPointer busy;
-        SaveDocumentPdf(module, path,
-                        SheetDocument(ContentOf(*loan, module.session.SessionTitle)));
+        SaveDocumentPdf(module, path, SheetDocument(ContentOf(*loan, module.session.SessionTitle)));
     }
     // The path reads left to right inside the right-to-left line.
     editor.stbLoan->ShowNotice(

@@ -28,7 +28,8 @@ inline const QString FactType = u"نوع وام: %1"_s;
 inline const QString FactAmounts = u"مبلغ وام: %1\u2003\u2003مبلغ اوليه: %2"_s;
 inline const QString FactInstalments =
     u"تعداد اقساط: %1\u2003\u2003اقساط ماهيانه: %2\u2003\u2003مانده: %3\u2003\u2003پرداخت مانده اقساط در: %4"_s;
-inline const QString FactDates = u"تاريخ پرداخت: %1\u2003\u2003تاريخ شروع قسط: %2\u2003\u2003تاريخ تسويه: %3"_s;
+inline const QString FactDates =
+    u"تاريخ پرداخت: %1\u2003\u2003تاريخ شروع قسط: %2\u2003\u2003تاريخ تسويه: %3"_s;
 inline const QString FactNotes = u"ملاحظات: %1"_s;
 inline const QString FactMemberCount = u"تعداد کارمندان: %1"_s;
 inline const QString FactBorrower = u"وام گيرنده: %1"_s;

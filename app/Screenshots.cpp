@@ -5,7 +5,10 @@
 #include <QCheckBox>
 #include <QDialog>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QFileDialog>
 #include <QLineEdit>
+#include <QPrintPreviewWidget>
 #include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -16,24 +19,29 @@
 #include "adjustments/FormHRException.h"
 #include "adjustments/FormList.h"
 #include "adjustments/ScheduleExport.h"
+#include "base/Errors.h"
+#include "controls/ControlGallery.h"
 #include "controls/VarekCurrency.h"
 #include "controls/VarekDate.h"
-#include "controls/ControlGallery.h"
+#include "controls/VarekSelector.h"
 #include "data/DemoData.h"
 #include "deductions/FormDeductions.h"
 #include "host/kavHRLoan1.h"
-#include "controls/VarekSelector.h"
 #include "loan_editor/FinalSaveChecks.h"
 #include "loan_editor/FormHREmployee.h"
 #include "loan_editor/FormHRLoan.h"
 #include "loan_editor/history/FormDeletedLoans.h"
 #include "loan_editor/history/FormLoanHistory.h"
 #include "loan_editor/history/HistoryMenu.h"
+#include "loan_editor/sheet/LoanSheet.h"
+#include "loan_editor/sheet/SheetDocument.h"
+#include "loan_editor/sheet/SheetMenu.h"
 #include "search/FormSearch.h"
+#include "session/FileDialog.h"
 #include "session/MessageDialogs.h"
 #include "session/Module.h"
+#include "session/Printing.h"
 #include "session/TableDocument.h"
-#include "base/Errors.h"
 
 using namespace Qt::StringLiterals;
 
@@ -61,13 +69,41 @@ private:
 
 QStringList unwritten;
 
-int save(QWidget& w, const QString& dir, const QString& name) {
+int save(QWidget& w, const QString& dir, const QString& name, int settleMs = 0) {
     w.show();
     QApplication::processEvents();
+    // What fills itself in the background (a folder's files) gets a moment.
+    for (QElapsedTimer t; !t.isValid() || t.elapsed() < settleMs;) {
+        if (!t.isValid()) t.start();
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
     const bool ok = w.grab().save(QDir(dir).filePath(name + u".png"_s));
     w.hide();
     if (!ok) unwritten << name + u".png"_s;
     return ok ? 1 : 0;
+}
+
+// Pages of a document as PNG files, each page (from 0; -1 the last) under its name.
+int savePages(const kav::PagedDocument& doc, const QString& printed, const QString& dir,
+              std::initializer_list<std::pair<int, QString>> pages) {
+    int written = 0;
+    for (const auto& [page, name] : pages) {
+        QImage image;
+        if (page >= 0) {
+            image = kav::PageImage(doc, printed, page);
+        } else {
+            for (int n = 0;; ++n) {
+                QImage next = kav::PageImage(doc, printed, n);
+                if (next.isNull()) break;
+                image = next;
+            }
+        }
+        if (!image.isNull() && image.save(QDir(dir).filePath(name + u".png"_s)))
+            ++written;
+        else
+            unwritten << name + u".png"_s;
+    }
+    return written;
 }
 
 // The id of the first loan the demo database holds as temporary (or final).
@@ -123,6 +159,8 @@ int RenderScreenshots(const QString& dir) {
     kav::kavHRLoan1 host(module);
     host.setOLEConnectionstring(kav::data::EmbeddedConnectionString(file));
     host.setUserID(kav::data::DemoUserWithPermissions);
+    // The clerk is one of the demo's employees, so a printed page names him.
+    host.setEmployeeID(1);
 
     // Each show of the editor is photographed instead of waiting for the user.
     QString shot = u"editor-empty"_s;
@@ -183,9 +221,9 @@ int RenderScreenshots(const QString& dir) {
         w->resize(size.width(), 1040);
         written += save(*w, dir, u"schedule"_s);
         w->resize(size);
-        const QImage page = kav::schedule::PdfFirstPage(u"برنامه بازپرداخت وام"_s,
-                                                        w->ScheduleFacts(), w->Schedule());
-        written += page.save(QDir(dir).filePath(u"schedule-pdf.png"_s)) ? 1 : 0;
+        // The PDF's first page and its last, the chart.
+        written += savePages(w->ScheduleDocument(), kav::PrintedNow(*module), dir,
+                             {{0, u"schedule-pdf"_s}, {-1, u"schedule-pdf-chart"_s}});
         w->cmdList_Click();
         w->ShowFormToEdit(1);
         written += save(*w, dir, u"adjustment-view"_s);
@@ -229,9 +267,9 @@ int RenderScreenshots(const QString& dir) {
         r->tabRegister->setCurrentIndex(1);
         written += save(*r, dir, u"deductions-employees"_s);
         r->tabRegister->setCurrentIndex(0);
-        const QImage page = kav::TableFirstPage(
-            kav::deductions::Document(r->RegisterShown(), r->TotalsShown(), r->Facts()));
-        written += page.save(QDir(dir).filePath(u"deductions-pdf.png"_s)) ? 1 : 0;
+        written += savePages(kav::TablePages(kav::deductions::Document(
+                                 r->RegisterShown(), r->TotalsShown(), r->Facts())),
+                             kav::PrintedNow(*module), dir, {{0, u"deductions-pdf"_s}});
         return 0;
     });
     if (auto* entry = editor.findChild<QAction*>(u"mnuDeductions"_s)) entry->trigger();
@@ -277,6 +315,40 @@ int RenderScreenshots(const QString& dir) {
     });
     kav::history::ShowHistory(editor);
     kav::history::ShowDeletedLoans(editor);
+
+    // The loan sheet of the demo's first final loan (its first page and its first member's page
+    // to sign) and of a temporary loan; the final one's print preview from the Tools menu; the
+    // save dialog as it proposes the sheet's file, in Persian, with a file beside it.
+    const QString printed = kav::PrintedNow(*module);
+    const qint32 finalLoan = demoLoan(file, true);
+    const auto sheet = [&](qint32 loan) {
+        return kav::sheet::SheetDocument(kav::sheet::ContentOf(
+            kav::sheet::ReadLoan(module->DtEn().cnt(), loan), module->session.SessionTitle));
+    };
+    written += savePages(sheet(finalLoan), printed, dir,
+                         {{0, u"loan-sheet"_s}, {1, u"loan-sheet-borrower"_s}});
+    written +=
+        savePages(sheet(demoLoan(file, false)), printed, dir, {{0, u"loan-sheet-temporary"_s}});
+    editor.ViewPRSLoansInfo(finalLoan);
+    module->SetModalRunner([&](QDialog& d) {
+        if (d.objectName() != u"dlgPrintPreview"_s) return 0;
+        written += save(d, dir, u"print-preview"_s, 300);
+        // The page at the window's width, to read it.
+        if (auto* pages = d.findChild<QPrintPreviewWidget*>()) pages->fitToWidth();
+        written += save(d, dir, u"print-preview-width"_s, 300);
+        return 0;
+    });
+    kav::sheet::PrintSheet(editor);
+    const QString sheetName = kav::ProposedFileName(
+        kav::sheet::FileWords(kav::sheet::ReadLoan(module->DtEn().cnt(), finalLoan)));
+    kav::SavePdf(temp.filePath(sheetName + u".pdf"_s), sheet(finalLoan), printed);
+    {
+        auto dialog = kav::BuildSaveDialog(
+            nullptr, u"ذخيره برگه وام"_s, temp.filePath(sheetName + u"-2.pdf"_s), u"PDF (*.pdf)"_s);
+        dialog->setViewMode(QFileDialog::Detail);
+        dialog->resize(900, 520);
+        written += save(*dialog, dir, u"file-dialog"_s, 800);
+    }
 
     auto message = kav::BuildMessageDialog(u"خطا"_s, kav::Module::RoleRefusalText(), 0);
     written += save(*message, dir, u"message"_s);

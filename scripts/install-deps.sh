@@ -5,10 +5,10 @@ set -euo pipefail
 
 packages=(
   cmake ninja-build g++ pkg-config
-  qt6-base-dev libgl-dev libqt6sql6-sqlite libqt6sql6-odbc
+  qt6-base-dev libgl-dev libqt6sql6-sqlite libqt6sql6-odbc qt6-translations-l10n
   unixodbc unixodbc-dev odbcinst tdsodbc libsqliteodbc
   libgtest-dev libgmock-dev libbenchmark-dev libsqlite3-dev
-  fonts-noto-core fonts-farsiweb sqlite3 nodejs
+  fonts-noto-core fonts-farsiweb sqlite3 nodejs poppler-utils
 )
 
 missing=()

@@ -82,6 +82,7 @@ inline const QString NoMember = u"کارمندي انتخاب نشده است."_
 inline const QString NotAMember = u"کارمند انتخاب شده عضو اين وام نيست."_s;
 inline const QString CaptionExportCsv = u"ذخيره CSV"_s;
 inline const QString CaptionExportPdf = u"ذخيره PDF"_s;
+inline const QString CaptionPrint = u"چاپ"_s;
 inline const QString ExportCaption = u"ذخيره برنامه بازپرداخت"_s;
 // The export's proposed file name: these words, the loan, the member's code, then the date.
 inline const QString FileSchedule = u"برنامه بازپرداخت"_s;

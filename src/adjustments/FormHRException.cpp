@@ -7,11 +7,13 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QSplitter>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include "adjustments/AdjustmentSql.h"
 #include "adjustments/AdjustmentTexts.h"
+#include "adjustments/BalanceChartView.h"
 #include "adjustments/FormList.h"
 #include "adjustments/ScheduleExport.h"
 #include "adjustments/ScheduleSource.h"
@@ -23,6 +25,7 @@
 #include "session/FileDialog.h"
 #include "session/LoanHistory.h"
 #include "session/Module.h"
+#include "session/Printing.h"
 #include "session/TextProcs.h"
 #include "session/Ui.h"
 #include "session/WindowPorts.h"
@@ -220,19 +223,28 @@ QWidget* FormHRException::buildBalance() {
     layout->addWidget(lblBalanceProblem);
 
     FlexBalance = Named(new FlexGrid(fraBalance), u"FlexBalance"_s);
-    FlexBalance->setMinimumHeight(220);
     QStringList format{u"^"_s + T::RowColumn};
     for (const QString& title : schedule::ColumnTitles()) format << u"^"_s + title;
     FlexBalance->setFormatString(format.join(u'|'));
     const int widths[kBalanceCols] = {600, 1100, 1700, 1700, 1700, 1700, 1800, 2400};
     for (int c = 0; c < kBalanceCols; ++c) FlexBalance->setColWidth(c, widths[c]);
-    layout->addWidget(FlexBalance, 1);
+    FlexBalance->setMinimumHeight(160);
+    chrBalance = Named(new schedule::BalanceChartView(fraBalance), u"chrBalance"_s);
+    auto* split = Named(new QSplitter(Qt::Vertical, fraBalance), u"splBalance"_s);
+    split->addWidget(FlexBalance);
+    split->addWidget(chrBalance);
+    split->setChildrenCollapsible(false);
+    split->setStretchFactor(0, 3);
+    split->setStretchFactor(1, 2);
+    layout->addWidget(split, 1);
 
     cmdExportCsv = commandButton(fraBalance, T::CaptionExportCsv, u"cmdExportCsv"_s);
     cmdExportPdf = commandButton(fraBalance, T::CaptionExportPdf, u"cmdExportPdf"_s);
+    cmdPrint = commandButton(fraBalance, T::CaptionPrint, u"cmdPrint"_s);
     auto* exports = new QHBoxLayout;
     exports->addWidget(cmdExportCsv);
     exports->addWidget(cmdExportPdf);
+    exports->addWidget(cmdPrint);
     exports->addStretch(1);
     layout->addLayout(exports);
     return fraBalance;
@@ -254,6 +266,7 @@ void FormHRException::connectHandlers() {
             handler(&FormHRException::cmdExportCsv_Click));
     connect(cmdExportPdf, &QPushButton::clicked, this,
             handler(&FormHRException::cmdExportPdf_Click));
+    connect(cmdPrint, &QPushButton::clicked, this, handler(&FormHRException::cmdPrint_Click));
 }
 
 void FormHRException::Form_Load() {
@@ -390,6 +403,7 @@ void FormHRException::ViewPRSBalance(qint32 employeeId) {
 
 void FormHRException::FillPRSBalance(qint32 employeeId) {
     schedule_ = schedule::Schedule();
+    chrBalance->setChart(std::nullopt);
     balanceTopRow_ = 0;
     memberCaption_.clear();
     FlexBalance->setRows(1);
@@ -411,6 +425,8 @@ void FormHRException::FillPRSBalance(qint32 employeeId) {
     const schedule::MemberInputs in = schedule::ReadMemberInputs(
         module_.DtEn().cnt(), module_.session.PayslipColumns, loanId, employeeId);
     schedule_ = schedule::Compute(*terms_, in.adjustments, in.payslips);
+    chrBalance->setChart(
+        schedule::ChartOf(*terms_, schedule_, schedule::Compute(*terms_, in.adjustments, {})));
     // Without the payslip columns the schedule is the plan alone, and says so.
     showBalanceProblem(QStringList{
         schedule_.problem,
@@ -696,7 +712,16 @@ void FormHRException::cmdExportPdf_Click() {
     const QString path = AskSaveFile(module_, this, T::ExportCaption, exportBaseName(), u"pdf"_s);
     if (path.isEmpty()) return;
     BusyPointer busy;
-    schedule::SavePdf(path, T::ExportTitle, ScheduleFacts(), schedule_);
+    SaveDocumentPdf(module_, path, ScheduleDocument());
+}
+
+PagedDocument FormHRException::ScheduleDocument() const {
+    return schedule::Document(T::ExportTitle, ScheduleFacts(), schedule_, chrBalance->chart());
+}
+
+void FormHRException::cmdPrint_Click() {
+    if (schedule_.rows.isEmpty()) return module_.ShowMessage(WarningTitle(), T::NothingToExport);
+    PrintDocument(module_, this, ScheduleDocument());
 }
 
 // ---- Helpers ----
@@ -737,6 +762,7 @@ void FormHRException::showBalanceProblem(const QString& text) {
     const bool rows = !schedule_.rows.isEmpty();
     cmdExportCsv->setEnabled(rows);
     cmdExportPdf->setEnabled(rows);
+    cmdPrint->setEnabled(rows);
 }
 
 }  // namespace kav

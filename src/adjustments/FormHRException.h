@@ -26,6 +26,10 @@ class FlexGrid;
 class VarekDate;
 class VarekSelector;
 }  // namespace controls
+namespace schedule {
+class BalanceChartView;
+}
+struct PagedDocument;
 
 class FormHRException : public ModuleWindow {
     Q_OBJECT
@@ -58,6 +62,7 @@ public:
     void gmpEmployee_Changed();
     void cmdExportCsv_Click();
     void cmdExportPdf_Click();
+    void cmdPrint_Click();
 
     // The text of the loan editor's txtID when it opened this window: the save compares the
     // instalment with the editor's amount only while txtPaidID still names that loan.
@@ -67,6 +72,8 @@ public:
     // exports say above it: the loan, the member, the terms, the dates, the balance.
     const schedule::Schedule& Schedule() const { return schedule_; }
     QStringList ScheduleFacts() const;
+    // The schedule's pages with its chart, as printed and saved as PDF.
+    PagedDocument ScheduleDocument() const;
 
     // Controls, named as the users' documentation names them.
     controls::VarekSelector* gmpEmployee;
@@ -91,6 +98,9 @@ public:
     QLabel* lblBalanceProblem;
     QPushButton* cmdExportCsv;
     QPushButton* cmdExportPdf;
+    QPushButton* cmdPrint;
+    // The balance month by month, as planned and as deducted, under the grid.
+    schedule::BalanceChartView* chrBalance;
 
 protected:
     void showEvent(QShowEvent* event) override;

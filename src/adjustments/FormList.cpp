@@ -13,9 +13,11 @@
 #include "adjustments/RepaymentSchedule.h"
 #include "base/Errors.h"
 #include "controls/FlexGrid.h"
+#include "controls/GridDocument.h"
 #include "controls/VarekDate.h"
 #include "controls/VarekSelector.h"
 #include "session/Module.h"
+#include "session/Printing.h"
 #include "session/Ui.h"
 
 using namespace Qt::StringLiterals;
@@ -34,6 +36,7 @@ FormList::FormList(Module& module, QWidget* parent)
     connect(cmdSearch, &QPushButton::clicked, this, Guarded(&FormList::cmdSearch_Click));
     connect(cmdNew, &QPushButton::clicked, this, Guarded(&FormList::cmdNew_Click));
     connect(cmdExit, &QPushButton::clicked, this, Guarded(&FormList::cmdExit_Click));
+    connect(cmdPrint, &QPushButton::clicked, this, Guarded(&FormList::cmdPrint_Click));
     connect(FlexEmployee, &FlexGrid::Click, this, Guarded(&FormList::FlexEmployee_Click));
     connect(FlexEmployee, &FlexGrid::DblClick, this, Guarded(&FormList::FlexEmployee_DblClick));
     Form_Load();
@@ -54,6 +57,7 @@ void FormList::buildControls() {
     cmdSearch = button(T::ListCaptionSearch, u"cmdSearch"_s);
     cmdNew = button(T::ListCaptionNew, u"cmdNew"_s);
     cmdExit = button(T::ListCaptionExit, u"cmdExit"_s);
+    cmdPrint = button(T::CaptionPrint, u"cmdPrint"_s);
     cmdSearch->setDefault(true);
 
     auto* filters = new QGridLayout;
@@ -70,6 +74,7 @@ void FormList::buildControls() {
     auto* commands = new QHBoxLayout;
     commands->addWidget(cmdSearch);
     commands->addWidget(cmdNew);
+    commands->addWidget(cmdPrint);
     commands->addStretch(1);
     commands->addWidget(cmdExit);
 
@@ -172,6 +177,19 @@ void FormList::cmdNew_Click() {
 }
 
 void FormList::cmdExit_Click() { close(); }
+
+void FormList::cmdPrint_Click() {
+    if (FlexEmployee->Rows() < 2) return;
+    // The filters the rows were found with head every page.
+    QStringList filters;
+    for (const auto& [label, text] : {std::pair{T::LabelEmployee, sltEmployee->Text()},
+                                      std::pair{T::ListLabelFrom, datBeginDate->farsidate()},
+                                      std::pair{T::ListLabelTo, datEndDate->farsidate()}})
+        if (!text.trimmed().isEmpty()) filters << label + u' ' + text.trimmed();
+    if (!filters.isEmpty()) filters = QStringList{filters.join(u"   "_s)};
+    PrintDocument(module_, this,
+                  TablePages(controls::GridDocument(*FlexEmployee, T::ListCaption, filters)));
+}
 
 void FormList::FlexEmployee_Click() {
     if (FlexEmployee->MouseRow() == 0 && FlexEmployee->Rows() >= 2 && FlexEmployee->MouseCol() >= 0)

@@ -2,7 +2,7 @@
 
 // The adjustment list: the recorded adjustments, filtered by employee and by a period range,
 // sortable by any column; a double-click opens one in the adjustment window, unless the list
-// was opened only for looking (LoanEditStarted 1).
+// was opened only for looking (LoanEditStarted 1). The list is printed as it is shown.
 
 #include <array>
 
@@ -36,6 +36,7 @@ public:
     void cmdSearch_Click();
     void cmdNew_Click();
     void cmdExit_Click();
+    void cmdPrint_Click();
     void FlexEmployee_Click();
     void FlexEmployee_DblClick();
 
@@ -46,6 +47,7 @@ public:
     QPushButton* cmdSearch;
     QPushButton* cmdNew;
     QPushButton* cmdExit;
+    QPushButton* cmdPrint;
 
     static constexpr int SortSlots = 31;
 

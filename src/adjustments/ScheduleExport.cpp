@@ -1,5 +1,8 @@
 #include "adjustments/ScheduleExport.h"
 
+#include <QPainter>
+
+#include "adjustments/BalanceChartPaint.h"
 #include "session/TableDocument.h"
 #include "session/TextProcs.h"
 
@@ -63,9 +66,9 @@ QList<QStringList> CsvRows(const Schedule& s) {
 
 namespace {
 
-// The document: the widths of the columns, right to left, as parts of the line; the note
-// starts at its cell's right edge.
-TableDocument document(const QString& title, const QStringList& facts, const Schedule& s) {
+// The table: the widths of the columns, right to left, as parts of the line; the note starts
+// at its cell's right edge.
+TableDocument table(const QString& title, const QStringList& facts, const Schedule& s) {
     TableDocument doc;
     doc.title = title;
     doc.facts = facts;
@@ -80,13 +83,20 @@ TableDocument document(const QString& title, const QStringList& facts, const Sch
 
 }  // namespace
 
-QImage PdfFirstPage(const QString& title, const QStringList& facts, const Schedule& s, int width) {
-    return TableFirstPage(document(title, facts, s), width);
-}
-
-void SavePdf(const QString& path, const QString& title, const QStringList& facts,
-             const Schedule& s) {
-    SaveTablePdf(path, document(title, facts, s));
+PagedDocument Document(const QString& title, const QStringList& facts, const Schedule& s,
+                       const std::optional<BalanceChart>& chart) {
+    const PagedDocument pages = TablePages(table(title, facts, s));
+    if (!chart) return pages;
+    PagedDocument chartPage;
+    chartPage.pageCount = [](QPaintDevice&, const QSizeF&) { return 1; };
+    chartPage.paint = [title, facts, chart = *chart](QPainter& p, QPaintDevice& device,
+                                                     const QSizeF& area, const NewPage&) {
+        const double top = PaintDocumentHeading(p, device, area, title, QString(), facts);
+        // The chart takes the page's width and two thirds of it in height.
+        const double height = qMin(area.height() - top, area.width() * 2 / 3);
+        PaintBalanceChart(p, QRectF(0, top, area.width(), height), chart);
+    };
+    return Followed(pages, chartPage);
 }
 
 }  // namespace kav::schedule

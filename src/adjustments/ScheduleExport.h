@@ -1,15 +1,17 @@
 #pragma once
 
 // The member's schedule as the clerk takes it away: the columns the window shows, the rows
-// of a CSV file (amounts as plain numbers a spreadsheet reads) and a right-to-left PDF with
-// the heading and the column titles on every page.
+// of a CSV file (amounts as plain numbers a spreadsheet reads) and right-to-left pages to print
+// or save as PDF with the heading and the column titles on every page, and the balance chart.
 
-#include <QImage>
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <optional>
 
+#include "adjustments/BalanceChart.h"
 #include "adjustments/RepaymentSchedule.h"
+#include "session/PagedDocument.h"
 
 namespace kav::schedule {
 
@@ -29,13 +31,10 @@ QString AmountText(vb::Currency amount);
 // The title row, one row per month with plain amounts, and the totals row.
 QList<QStringList> CsvRows(const Schedule& schedule);
 
-// Writes the schedule as an A4 PDF, whole or not at all: on every page the title, the facts
-// (one "label: value" text each), the page number and the column titles; the totals after
-// the last month. Raises KavError (Usage) naming the file when it cannot be written.
-void SavePdf(const QString& path, const QString& title, const QStringList& facts,
-             const Schedule& schedule);
-// The PDF's first page as an image of the given width, to look at without a PDF reader.
-QImage PdfFirstPage(const QString& title, const QStringList& facts, const Schedule& schedule,
-                    int width = 1240);
+// The schedule's pages: on every page the title, the facts (one "label: value" text each) and
+// the column titles; the totals after the last month; then, with a chart, the balance chart on
+// a page of its own under the same title and facts.
+PagedDocument Document(const QString& title, const QStringList& facts, const Schedule& schedule,
+                       const std::optional<BalanceChart>& chart);
 
 }  // namespace kav::schedule

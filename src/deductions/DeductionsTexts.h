@@ -20,6 +20,7 @@ inline const QString AllLoanTypes = u"همه انواع وام"_s;
 inline const QString CaptionSearch = u"جستجو"_s;
 inline const QString CaptionExportCsv = u"ذخيره CSV"_s;
 inline const QString CaptionExportPdf = u"ذخيره PDF"_s;
+inline const QString CaptionPrint = u"چاپ"_s;
 inline const QString CaptionExit = u"خروج"_s;
 
 // The register's columns, in the order of deductions::Column.

@@ -23,6 +23,7 @@
 #include "session/Csv.h"
 #include "session/FileDialog.h"
 #include "session/Module.h"
+#include "session/Printing.h"
 #include "session/TableDocument.h"
 #include "session/TextProcs.h"
 #include "session/Ui.h"
@@ -84,6 +85,7 @@ void FormDeductions::buildControls() {
     cmdSearch = button(T::CaptionSearch, u"cmdSearch"_s);
     cmdExportCsv = button(T::CaptionExportCsv, u"cmdExportCsv"_s);
     cmdExportPdf = button(T::CaptionExportPdf, u"cmdExportPdf"_s);
+    cmdPrint = button(T::CaptionPrint, u"cmdPrint"_s);
     cmdExit = button(T::CaptionExit, u"cmdExit"_s);
 
     auto* criteria = new QHBoxLayout;
@@ -152,6 +154,7 @@ void FormDeductions::buildControls() {
     auto* commands = new QHBoxLayout;
     commands->addWidget(cmdExportCsv);
     commands->addWidget(cmdExportPdf);
+    commands->addWidget(cmdPrint);
     commands->addStretch(1);
     commands->addWidget(cmdExit);
 
@@ -171,6 +174,7 @@ void FormDeductions::connectHandlers() {
             Guarded(&FormDeductions::cmdExportCsv_Click));
     connect(cmdExportPdf, &QPushButton::clicked, this,
             Guarded(&FormDeductions::cmdExportPdf_Click));
+    connect(cmdPrint, &QPushButton::clicked, this, Guarded(&FormDeductions::cmdPrint_Click));
     connect(cmdExit, &QPushButton::clicked, this, Guarded(&FormDeductions::cmdExit_Click));
     connect(FlexDeductions, &FlexGrid::Click, this, Guarded(&FormDeductions::FlexDeductions_Click));
     connect(FlexDeductions, &FlexGrid::DblClick, this,
@@ -357,6 +361,7 @@ void FormDeductions::updateExports() {
     const bool rows = !register_.rows.isEmpty();
     cmdExportCsv->setEnabled(rows);
     cmdExportPdf->setEnabled(rows);
+    cmdPrint->setEnabled(rows);
 }
 
 QString FormDeductions::savePath(const QString& suffix) {
@@ -382,10 +387,16 @@ void FormDeductions::cmdExportPdf_Click() {
     if (path.isEmpty()) return;
     {
         BusyPointer busy;
-        SaveTablePdf(path, deductions::Document(register_, totals_, facts_));
+        SaveDocumentPdf(module_, path,
+                        TablePages(deductions::Document(register_, totals_, facts_)));
     }
     lblStatus->setText(T::StatusSaved.arg(register_.rows.size())
                            .arg(QChar(0x2066) + QDir::toNativeSeparators(path) + QChar(0x2069)));
+}
+
+void FormDeductions::cmdPrint_Click() {
+    if (register_.rows.isEmpty()) return;
+    PrintDocument(module_, this, TablePages(deductions::Document(register_, totals_, facts_)));
 }
 
 void FormDeductions::cmdExit_Click() { close(); }

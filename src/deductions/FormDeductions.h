@@ -6,7 +6,7 @@
 // totals per employee, per loan type and overall, the row count on the status line. A header
 // click sorts by that column (again: the other way); a double-click (or Enter) on a row opens
 // its loan in the loan window while that is in view or empty mode. The register is saved as
-// CSV or PDF as it is shown.
+// CSV or PDF, or printed, as it is shown.
 
 #include <QString>
 #include <QStringList>
@@ -49,6 +49,7 @@ public:
     void cmdSearch_Click();
     void cmdExportCsv_Click();
     void cmdExportPdf_Click();
+    void cmdPrint_Click();
     void cmdExit_Click();
     void FlexDeductions_Click();
     void FlexDeductions_DblClick();
@@ -58,6 +59,7 @@ public:
     controls::VarekSelector* sltEmployee;
     QPushButton* cmdSearch;
     QPushButton* cmdExportCsv;
+    QPushButton* cmdPrint;
     QPushButton* cmdExportPdf;
     QPushButton* cmdExit;
     // The one line said when the payslip table lacks the settings' columns.

@@ -32,6 +32,7 @@
 #include "loan_editor/LoanStatusBar.h"
 #include "loan_editor/LoanTerms.h"
 #include "loan_editor/history/HistoryMenu.h"
+#include "loan_editor/sheet/SheetMenu.h"
 #include "session/Module.h"
 #include "session/TextProcs.h"
 #include "session/Ui.h"
@@ -53,6 +54,7 @@ FormHRLoan::FormHRLoan(Module& module, QWidget* parent)
     connectHandlers();
     Form_Load();
     history::AttachToEditor(*this);  // the history and deleted loans in the Tools menu
+    sheet::AttachToEditor(*this);    // the loan sheet, printed or saved as PDF
 }
 
 FormHRLoan::~FormHRLoan() {

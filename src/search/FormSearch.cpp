@@ -19,6 +19,7 @@
 
 #include "base/Errors.h"
 #include "controls/FlexGrid.h"
+#include "controls/GridDocument.h"
 #include "controls/VarekDate.h"
 #include "controls/VarekSelector.h"
 #include "search/SearchGrid.h"
@@ -27,6 +28,7 @@
 #include "session/Csv.h"
 #include "session/FileDialog.h"
 #include "session/Module.h"
+#include "session/Printing.h"
 #include "session/TextProcs.h"
 #include "session/Ui.h"
 #include "session/WindowPorts.h"
@@ -136,6 +138,7 @@ void FormSearch::buildControls() {
     cmdExit = button(T::CaptionExit, u"cmdExit"_s);
     auto* commands = new QHBoxLayout;
     for (QPushButton* b : {cmdSearch, cmdNewSearch, cmdExport}) commands->addWidget(b);
+    commands->addWidget(cmdPrint = button(T::CaptionPrint, u"cmdPrint"_s));
     commands->addStretch(1);
     commands->addWidget(cmdExit);
 
@@ -160,6 +163,7 @@ void FormSearch::connectHandlers() {
     connect(cmdSearch, &QPushButton::clicked, this, Guarded(&FormSearch::cmdSearch_Click));
     connect(cmdNewSearch, &QPushButton::clicked, this, Guarded(&FormSearch::cmdNewSearch_Click));
     connect(cmdExport, &QPushButton::clicked, this, Guarded(&FormSearch::cmdExport_Click));
+    connect(cmdPrint, &QPushButton::clicked, this, Guarded(&FormSearch::cmdPrint_Click));
     connect(cmdExit, &QPushButton::clicked, this, Guarded(&FormSearch::cmdExit_Click));
     connect(Flexsearchresult, &FlexGrid::Click, this, Guarded(&FormSearch::Flexsearchresult_Click));
     connect(Flexsearchresult, &FlexGrid::DblClick, this,
@@ -367,7 +371,18 @@ void FormSearch::openResult() {
         Qt::QueuedConnection);
 }
 
-void FormSearch::updateExport() { cmdExport->setEnabled(Flexsearchresult->Rows() > 1); }
+void FormSearch::updateExport() {
+    cmdExport->setEnabled(Flexsearchresult->Rows() > 1);
+    cmdPrint->setEnabled(Flexsearchresult->Rows() > 1);
+}
+
+void FormSearch::cmdPrint_Click() {
+    if (Flexsearchresult->Rows() < 2) return;
+    PrintDocument(
+        module_, this,
+        TablePages(controls::GridDocument(*Flexsearchresult, windowTitle(),
+                                          {T::StatusFound.arg(Flexsearchresult->Rows() - 1)})));
+}
 
 void FormSearch::cmdExport_Click() {
     if (Flexsearchresult->Rows() < 2) return;

@@ -2,7 +2,7 @@
 
 // The loan search window: the clerk fills any of the criteria, searches, and gets one grid
 // row per member of each loan found; a double-click or Enter on a row opens that loan in the
-// loan editor. The results can be sorted by a header click and saved as a CSV file.
+// loan editor. The results can be sorted by a header click, saved as a CSV file and printed.
 
 #include <QString>
 #include <functional>
@@ -49,6 +49,7 @@ public:
     void cmdNewSearch_Click();
     void cmdExit_Click();
     void cmdExport_Click();
+    void cmdPrint_Click();
     void Flexsearchresult_Click();
     void Flexsearchresult_DblClick();
     void Flexsearchresult_KeyPress(int& keyAscii);
@@ -75,6 +76,7 @@ public:
     QPushButton* cmdSearch;
     QPushButton* cmdNewSearch;
     QPushButton* cmdExport;
+    QPushButton* cmdPrint;
     QPushButton* cmdExit;
     controls::FlexGrid* Flexsearchresult;
     // The number of rows found, under the grid.

@@ -51,6 +51,7 @@ inline const QString LabelTo = u"تا:"_s;
 inline const QString CaptionSearch = u"جستجو"_s;
 inline const QString CaptionNewSearch = u"جستجوي جديد"_s;
 inline const QString CaptionExport = u"ذخيره در فايل CSV"_s;
+inline const QString CaptionPrint = u"چاپ"_s;
 inline const QString CaptionExit = u"خروج"_s;
 // "%1 rows found."
 inline const QString StatusFound = u"%1 رکورد يافت شد."_s;

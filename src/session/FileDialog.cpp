@@ -5,10 +5,12 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFileSystemModel>
+#include <QHeaderView>
 #include <QIdentityProxyModel>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTreeView>
 
 #include "session/Module.h"
 
@@ -34,6 +36,11 @@ public:
     using QIdentityProxyModel::QIdentityProxyModel;
     QVariant data(const QModelIndex& index, int role) const override {
         auto* files = qobject_cast<QFileSystemModel*>(sourceModel());
+        // A size ("40.50 KiB") reads left to right too.
+        if (role == Qt::DisplayRole && index.column() == 1) {
+            const QString size = QIdentityProxyModel::data(index, role).toString();
+            return size.isEmpty() ? size : QChar(0x2066) + size + QChar(0x2069);
+        }
         if (role == Qt::DisplayRole && files && index.column() == 3) {
             const QDateTime when = files->lastModified(mapToSource(index));
             if (when.isValid())
@@ -46,19 +53,32 @@ public:
 
 }  // namespace
 
-QString AskWithFileDialog(QWidget* parent, const QString& caption, const QString& proposedPath,
-                          const QString& filter) {
-    QFileDialog dialog(parent, caption, proposedPath, filter);
+std::unique_ptr<QFileDialog> BuildSaveDialog(QWidget* parent, const QString& caption,
+                                             const QString& proposedPath, const QString& filter) {
+    auto dialog = std::make_unique<QFileDialog>(parent, caption, proposedPath, filter);
     // Qt's own dialog, not the desktop's: it speaks the application's translation and shows
     // the dates through the proxy.
-    dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setLayoutDirection(Qt::RightToLeft);
-    dialog.setProxyModel(new JalaliDates(&dialog));
-    dialog.selectFile(QFileInfo(proposedPath).fileName());
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
-    return dialog.selectedFiles().constFirst();
+    dialog->setOption(QFileDialog::DontUseNativeDialog);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setLayoutDirection(Qt::RightToLeft);
+    dialog->setProxyModel(new JalaliDates(dialog.get()));
+    dialog->selectFile(QFileInfo(proposedPath).fileName());
+    // The size, kind and date columns as wide as what they show, the name taking the rest.
+    if (auto* list = dialog->findChild<QTreeView*>(u"treeView"_s)) {
+        list->header()->setStretchLastSection(false);
+        list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+    return dialog;
+}
+
+QString AskWithFileDialog(QWidget* parent, const QString& caption, const QString& proposedPath,
+                          const QString& filter) {
+    const std::unique_ptr<QFileDialog> dialog =
+        BuildSaveDialog(parent, caption, proposedPath, filter);
+    if (dialog->exec() != QDialog::Accepted || dialog->selectedFiles().isEmpty()) return {};
+    return dialog->selectedFiles().constFirst();
 }
 
 QString SaveFolder(QSettings& settings) {

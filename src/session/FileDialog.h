@@ -9,7 +9,9 @@
 #include <QDate>
 #include <QString>
 #include <functional>
+#include <memory>
 
+class QFileDialog;
 class QWidget;
 class QSettings;
 
@@ -22,7 +24,10 @@ class Module;
 using SaveFileQuestion = std::function<QString(QWidget* parent, const QString& caption,
                                                const QString& proposedPath, const QString& filter)>;
 
-// Qt's save dialog as described above.
+// Qt's save dialog as described above, ready to show.
+std::unique_ptr<QFileDialog> BuildSaveDialog(QWidget* parent, const QString& caption,
+                                             const QString& proposedPath, const QString& filter);
+// Shows it and returns the file chosen.
 QString AskWithFileDialog(QWidget* parent, const QString& caption, const QString& proposedPath,
                           const QString& filter);
 

@@ -7,6 +7,7 @@
 #include "base/Errors.h"
 #include "data/ConnectionString.h"
 #include "session/MessageDialogs.h"
+#include "session/Printing.h"
 
 using namespace Qt::StringLiterals;
 
@@ -76,6 +77,14 @@ void Module::SetLockWaitHook(std::function<void()> hook) {
 }
 
 int Module::ShowModal(QDialog& dialog) const { return modal_(dialog); }
+
+void Module::PrintPreview(QWidget* parent, QPrinter& printer,
+                          const std::function<void(QPrinter&)>& paint) const {
+    if (preview_)
+        preview_(parent, printer, paint);
+    else
+        ShowQtPrintPreview(*this, parent, printer, paint);
+}
 
 void Module::missingPort(const char* port) {
     throw KavError(KavError::Kind::Usage,

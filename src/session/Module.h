@@ -17,6 +17,8 @@
 #include "session/Session.h"
 
 class QDialog;
+class QPrinter;
+class QWidget;
 
 namespace kav {
 
@@ -24,6 +26,10 @@ class Module {
 public:
     // Shows a window modally and returns its result. Tests replace it so nothing blocks.
     using ModalRunner = std::function<int(QDialog&)>;
+    // Shows the print preview of the pages `paint` paints on a printer that is set up, and
+    // prints them when the clerk asks. Tests replace it to print to a PDF file.
+    using PrintPreviewRunner = std::function<void(QWidget* parent, QPrinter& printer,
+                                                  const std::function<void(QPrinter&)>& paint)>;
 
     Module();
     ~Module();
@@ -69,6 +75,11 @@ public:
     void SetModalRunner(ModalRunner runner) { modal_ = std::move(runner); }
     int ShowModal(QDialog& dialog) const;
 
+    // Qt's print preview shown through ShowModal, unless replaced (session/Printing.h).
+    void SetPrintPreview(PrintPreviewRunner runner) { preview_ = std::move(runner); }
+    void PrintPreview(QWidget* parent, QPrinter& printer,
+                      const std::function<void(QPrinter&)>& paint) const;
+
     // The single shared instance of a window, created on first use with the module.
     template <class W>
     W& Window() {
@@ -110,6 +121,7 @@ private:
     std::unique_ptr<DataEnvironment> dtEn_;
     MessageFactory messages_;
     ModalRunner modal_;
+    PrintPreviewRunner preview_;
     SaveFileQuestion saveFile_ = AskWithFileDialog;
     QString captionNote_;
     std::function<void()> lockWaitHook_;

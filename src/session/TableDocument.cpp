@@ -1,13 +1,9 @@
 #include "session/TableDocument.h"
 
 #include <QFontMetricsF>
-#include <QPageLayout>
-#include <QPageSize>
 #include <QPainter>
-#include <QPdfWriter>
-#include <QSaveFile>
+#include <memory>
 
-#include "base/Errors.h"
 #include "session/Ui.h"
 
 using namespace Qt::StringLiterals;
@@ -16,140 +12,235 @@ namespace kav {
 
 namespace {
 
-constexpr double kMarginMm = 12;
+// The document's type on a device: the text, its bold (totals, column titles), the title and
+// the notice, and the heights of their lines.
+struct Type {
+    explicit Type(QPaintDevice& device, double pointSize = 9) : device(&device) {
+        text = PersianFont(9);
+        text.setPointSizeF(pointSize);
+        bold = text;
+        bold.setBold(true);
+        title = PersianFont(13);
+        title.setBold(true);
+        notice = PersianFont(16);
+        notice.setBold(true);
+        lineHeight = QFontMetricsF(text, &device).height() * 1.5;
+        titleHeight = QFontMetricsF(title, &device).height() * 1.6;
+        noticeHeight = QFontMetricsF(notice, &device).height() * 1.6;
+    }
+    // The facts' lines within the width: a long fact (the notes) goes on over more lines.
+    QStringList factLines(const QStringList& facts, double width) const;
+    double headingHeight(const QString& notice, const QStringList& facts, double width) const {
+        return titleHeight + (notice.isEmpty() ? 0 : noticeHeight + lineHeight * 0.4) +
+               lineHeight * (factLines(facts, width).size() + 0.5);
+    }
+
+    QPaintDevice* device;
+    QFont text, bold, title, notice;
+    double lineHeight = 0, titleHeight = 0, noticeHeight = 0;
+};
+
+// The lines of a text within a width: its own lines, each broken between words.
+QStringList wrapped(const QString& text, const QFontMetricsF& metrics, double width) {
+    QStringList lines;
+    for (const QString& paragraph : text.split(u'\n')) {
+        QString line;
+        for (const QString& word : paragraph.split(u' ', Qt::SkipEmptyParts)) {
+            const QString longer = line.isEmpty() ? word : line + u' ' + word;
+            if (line.isEmpty() || metrics.horizontalAdvance(longer) <= width) {
+                line = longer;
+            } else {
+                lines << line;
+                line = word;
+            }
+        }
+        lines << line;
+    }
+    return lines;
+}
+
+QStringList Type::factLines(const QStringList& facts, double width) const {
+    const QFontMetricsF metrics(text, device);
+    QStringList lines;
+    for (const QString& fact : facts) lines << wrapped(fact, metrics, width);
+    return lines;
+}
+
+double heading(QPainter& p, const Type& type, const QSizeF& area, const QString& title,
+               const QString& notice, const QStringList& facts) {
+    p.save();
+    p.setLayoutDirection(Qt::RightToLeft);
+    p.setPen(Qt::black);
+    // The painter lays out right to left, so these alignments name the physical sides.
+    const Qt::Alignment right = Qt::AlignAbsolute | Qt::AlignRight | Qt::AlignVCenter;
+    p.setFont(type.title);
+    DrawDocumentText(p, QRectF(0, 0, area.width(), type.titleHeight), right, title);
+    double y = type.titleHeight;
+    if (!notice.isEmpty()) {
+        const QRectF box(0, y, area.width(), type.noticeHeight);
+        p.setPen(QPen(QColor(150, 20, 20), type.lineHeight * 0.08));
+        p.drawRect(box);
+        p.setFont(type.notice);
+        DrawDocumentText(p, box, Qt::AlignCenter, notice);
+        p.setPen(Qt::black);
+        y += type.noticeHeight + type.lineHeight * 0.4;
+    }
+    p.setFont(type.text);
+    for (const QString& fact : type.factLines(facts, area.width())) {
+        DrawDocumentText(p, QRectF(0, y, area.width(), type.lineHeight), right, fact);
+        y += type.lineHeight;
+    }
+    p.restore();
+    return y + type.lineHeight * 0.5;
+}
 
 class Pages {
 public:
-    Pages(QPainter& p, QPaintDevice& device, const QSizeF& area, const TableDocument& doc)
-        : p_(p), device_(device), page_(QPointF(0, 0), area), doc_(doc) {
-        font_ = PersianFont(9);
-        titleFont_ = PersianFont(13);
-        titleFont_.setBold(true);
-        bold_ = font_;
-        bold_.setBold(true);
-        lineHeight_ = QFontMetricsF(font_, &device_).height() * 1.5;
-        titleHeight_ = QFontMetricsF(titleFont_, &device_).height() * 1.6;
+    Pages(QPaintDevice& device, const QSizeF& area, const TableDocument& doc)
+        : device_(device), area_(area), doc_(doc), type_(device, doc.pointSize) {
         double total = 0;
         for (double share : doc_.columnShares) total += share;
         for (double share : doc_.columnShares)
-            widths_ << (total > 0 ? page_.width() * share / total : 0);
+            widths_ << (total > 0 ? area_.width() * share / total : 0);
+        pad_ = type_.lineHeight * 0.2;
+        // The column titles wrap at their columns' widths, every one of them.
+        titles_ = layOut({doc_.columnTitles, true}, true);
+        const int perPage = qMax(
+            1, int((area_.height() - type_.headingHeight(doc_.notice, doc_.facts, area_.width())) /
+                   type_.lineHeight) -
+                   int(titles_.size()));
+        pageStarts_ << 0;
+        int used = 0;
+        for (const TableDocument::Line& line : doc_.lines) {
+            const int first = int(lines_.size());
+            lines_ << layOut(line, false);
+            const int k = int(lines_.size()) - first;
+            if (used > 0 && used + k > perPage) {
+                pageStarts_ << first;
+                used = 0;
+            }
+            // A line taller than a page goes on over the next pages.
+            used += k;
+            while (used > perPage) {
+                pageStarts_ << first + k - (used - perPage);
+                used -= perPage;
+            }
+        }
     }
 
-    void paint(const std::function<bool()>& newPage) {
-        p_.setLayoutDirection(Qt::RightToLeft);
-        const double headingHeight = titleHeight_ + lineHeight_ * (doc_.facts.size() + 1.5);
-        const int perPage = qMax(1, int((page_.height() - headingHeight) / lineHeight_) - 1);
-        const qsizetype lines = doc_.lines.size();
-        const int pages = qMax(1, int((lines + perPage - 1) / perPage));
-        for (int n = 0; n < pages; ++n) {
+    int count() const { return int(pageStarts_.size()); }
+
+    double paint(QPainter& p, const NewPage& newPage) {
+        p.save();
+        p.setLayoutDirection(Qt::RightToLeft);
+        double y = 0;
+        for (int n = 0; n < count(); ++n) {
             if (n > 0 && !newPage()) break;
-            double y = heading(n + 1, pages);
-            y = row(y, doc_.columnTitles, true, true);
-            for (qsizetype i = qsizetype(n) * perPage; i < lines && i < qsizetype(n + 1) * perPage;
-                 ++i)
-                y = row(y, doc_.lines[i].cells, doc_.lines[i].bold, false);
+            y = heading(p, type_, area_, doc_.title, doc_.notice, doc_.facts);
+            p.fillRect(QRectF(0, y, area_.width(), type_.lineHeight * titles_.size()),
+                       QColor(225, 232, 240));
+            for (const Physical& titles : titles_) y = row(p, y, titles, true);
+            const int end = n + 1 < count() ? pageStarts_[n + 1] : int(lines_.size());
+            for (int i = pageStarts_[n]; i < end; ++i) y = row(p, y, lines_[i], false);
         }
+        p.restore();
+        return y;
     }
 
 private:
-    double heading(int number, int pages) {
-        const QRectF top(page_.left(), page_.top(), page_.width(), titleHeight_);
-        p_.setFont(titleFont_);
-        // The painter lays out right to left, so these alignments name the physical sides.
-        p_.drawText(top, Qt::AlignAbsolute | Qt::AlignRight | Qt::AlignVCenter, doc_.title);
-        p_.setFont(font_);
-        p_.drawText(top, Qt::AlignAbsolute | Qt::AlignLeft | Qt::AlignVCenter,
-                    u"صفحه %1 از %2"_s.arg(number).arg(pages));
-        double y = page_.top() + titleHeight_;
-        for (const QString& fact : doc_.facts) {
-            p_.drawText(QRectF(page_.left(), y, page_.width(), lineHeight_),
-                        Qt::AlignAbsolute | Qt::AlignRight | Qt::AlignVCenter, fact);
-            y += lineHeight_;
+    // One line of the table on paper: a line of the document, or one of the lines its wrapped
+    // cells take; the rule goes under its last.
+    struct Physical {
+        QStringList cells;
+        bool bold = false;
+        bool last = true;
+    };
+
+    // The lines a line of the document takes on paper.
+    QVector<Physical> layOut(const TableDocument::Line& line, bool wrapAll) const {
+        const QFontMetricsF metrics(line.bold ? type_.bold : type_.text, &device_);
+        QList<QStringList> parts;
+        qsizetype k = 1;
+        for (int c = 0; c < line.cells.size() && c < widths_.size(); ++c) {
+            parts << (wrapAll || doc_.wrapColumns.contains(c)
+                          ? wrapped(line.cells[c], metrics, widths_[c] - 2 * pad_)
+                          : QStringList{line.cells[c]});
+            k = qMax(k, parts.last().size());
         }
-        return y + lineHeight_ * 0.5;
+        QVector<Physical> lines;
+        for (qsizetype j = 0; j < k; ++j) {
+            Physical physical{{}, line.bold, j == k - 1};
+            for (const QStringList& cell : parts) physical.cells << cell.value(j);
+            lines << physical;
+        }
+        return lines;
     }
 
     // One line of the table, its first cell at the right edge.
-    double row(double y, const QStringList& cells, bool bold, bool titles) {
-        const QFont& font = bold || titles ? bold_ : font_;
-        p_.setFont(font);
+    double row(QPainter& p, double y, const Physical& line, bool titles) {
+        const QFont& font = line.bold ? type_.bold : type_.text;
+        p.setFont(font);
         const QFontMetricsF metrics(font, &device_);
-        if (titles)
-            p_.fillRect(QRectF(page_.left(), y, page_.width(), lineHeight_), QColor(225, 232, 240));
-        double right = page_.right();
-        const double pad = lineHeight_ * 0.2;
-        for (int c = 0; c < cells.size() && c < widths_.size(); ++c) {
+        const double h = type_.lineHeight;
+        double right = area_.width();
+        for (int c = 0; c < line.cells.size() && c < widths_.size(); ++c) {
             const QRectF cell =
-                QRectF(right - widths_[c], y, widths_[c], lineHeight_).adjusted(pad, 0, -pad, 0);
+                QRectF(right - widths_[c], y, widths_[c], h).adjusted(pad_, 0, -pad_, 0);
             const Qt::Alignment align = (!titles && doc_.textColumns.contains(c))
                                             ? Qt::Alignment(Qt::AlignAbsolute | Qt::AlignRight)
                                             : Qt::Alignment(Qt::AlignHCenter);
-            p_.drawText(cell, align | Qt::AlignVCenter,
-                        metrics.elidedText(cells[c], Qt::ElideRight, cell.width()));
+            DrawDocumentText(p, cell, align | Qt::AlignVCenter,
+                             metrics.elidedText(line.cells[c], Qt::ElideRight, cell.width()));
             right -= widths_[c];
         }
-        p_.setPen(QColor(160, 160, 160));
-        p_.drawLine(QPointF(page_.left(), y + lineHeight_),
-                    QPointF(page_.right(), y + lineHeight_));
-        p_.setPen(Qt::black);
-        return y + lineHeight_;
+        if (line.last) {
+            p.setPen(QColor(160, 160, 160));
+            p.drawLine(QPointF(0, y + h), QPointF(area_.width(), y + h));
+            p.setPen(Qt::black);
+        }
+        return y + h;
     }
 
-    QPainter& p_;
     QPaintDevice& device_;
-    QRectF page_;
+    QSizeF area_;
     const TableDocument& doc_;
-    QFont font_, titleFont_, bold_;
-    double lineHeight_ = 0, titleHeight_ = 0;
+    Type type_;
+    double pad_ = 0;
     QVector<double> widths_;
+    QVector<Physical> titles_;
+    QVector<Physical> lines_;
+    QVector<int> pageStarts_;  // the first line of each page
 };
 
 }  // namespace
 
-void PaintTableDocument(QPainter& painter, QPaintDevice& device, const QSizeF& area,
-                        const TableDocument& document, const std::function<bool()>& newPage) {
-    Pages(painter, device, area, document).paint(newPage);
+int TablePageCount(QPaintDevice& device, const QSizeF& area, const TableDocument& document) {
+    return Pages(device, area, document).count();
 }
 
-QImage TableFirstPage(const TableDocument& document, int width) {
-    const double ratio = document.landscape ? 210.0 / 297.0 : 297.0 / 210.0;
-    const double dpi = width / ((document.landscape ? 297.0 : 210.0) / 25.4);
-    QImage image(width, qRound(width * ratio), QImage::Format_RGB32);
-    image.setDotsPerMeterX(qRound(dpi / 0.0254));
-    image.setDotsPerMeterY(qRound(dpi / 0.0254));
-    image.fill(Qt::white);
-    const double margin = kMarginMm / 25.4 * dpi;
-    QPainter p(&image);
-    p.translate(margin, margin);
-    PaintTableDocument(p, image, QSizeF(image.width() - 2 * margin, image.height() - 2 * margin),
-                       document, [] { return false; });
-    return image;
+double PaintTableDocument(QPainter& painter, QPaintDevice& device, const QSizeF& area,
+                          const TableDocument& document, const NewPage& newPage) {
+    return Pages(device, area, document).paint(painter, newPage);
 }
 
-void SaveTablePdf(const QString& path, const TableDocument& document) {
-    QSaveFile file(path);
-    auto fail = [&](const QString& why) {
-        file.cancelWriting();
-        throw KavError(KavError::Kind::Usage, u"فايل «%1» ذخيره نشد: %2"_s.arg(path, why));
+double PaintDocumentHeading(QPainter& painter, QPaintDevice& device, const QSizeF& area,
+                            const QString& title, const QString& notice, const QStringList& facts) {
+    return heading(painter, Type(device), area, title, notice, facts);
+}
+
+PagedDocument TablePages(const TableDocument& document) {
+    PagedDocument pages;
+    pages.title = document.title;
+    pages.landscape = document.landscape;
+    const auto table = std::make_shared<const TableDocument>(document);
+    pages.pageCount = [table](QPaintDevice& device, const QSizeF& area) {
+        return TablePageCount(device, area, *table);
     };
-    if (!file.open(QIODevice::WriteOnly)) fail(file.errorString());
-    {
-        QPdfWriter writer(&file);
-        writer.setTitle(document.title);
-        writer.setCreator(u"KAVHRLoan"_s);
-        writer.setResolution(300);
-        writer.setPageLayout(QPageLayout(
-            QPageSize(QPageSize::A4),
-            document.landscape ? QPageLayout::Landscape : QPageLayout::Portrait,
-            QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm), QPageLayout::Millimeter));
-        QPainter p;
-        if (!p.begin(&writer)) fail(u"PDF"_s);
-        PaintTableDocument(p, writer, QSizeF(writer.width(), writer.height()), document,
-                           [&] { return writer.newPage(); });
-        p.end();
-    }
-    if (file.error() != QFileDevice::NoError) fail(file.errorString());
-    if (!file.commit()) fail(file.errorString());
+    pages.paint = [table](QPainter& p, QPaintDevice& device, const QSizeF& area,
+                          const NewPage& newPage) {
+        PaintTableDocument(p, device, area, *table, newPage);
+    };
+    return pages;
 }
 
 }  // namespace kav

@@ -12,6 +12,8 @@
 #include <QTemporaryDir>
 
 #include "AdjustmentFixture.h"
+#include "adjustments/BalanceChartView.h"
+#include "support/PdfText.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
@@ -239,6 +241,30 @@ TEST_F(AdjustmentTest, TheScheduleIsSavedThroughTheFileDialog) {
     answer.clear();  // the clerk cancels the dialog: nothing written
     w.cmdExportCsv->click();
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).join(u' '), u"member.csv member.pdf"_s);
+    EXPECT_TRUE(quiet());
+}
+
+// Printed, the schedule's pages: the months with their totals, then the chart the window shows
+// under its grid; a member who holds no schedule leaves no chart and nothing to print.
+TEST_F(AdjustmentTest, TheScheduleIsPrintedWithItsChart) {
+    auto& w = open(u"1"_s, 1);
+    ASSERT_TRUE(w.chrBalance->chart());
+    EXPECT_EQ(w.chrBalance->chart()->loanValue.toString() + u' ' +
+                  QString::number(w.chrBalance->chart()->deductedMonths) + u' ' +
+                  w.chrBalance->chart()->monthText(0) + u' ' +
+                  QString::number(w.chrBalance->chart()->settlement.value_or(-1)),
+              u"60000000 2 1402/01 11"_s);  // first instalment 1402/01/31, settled 1402/12/29
+    const QList<QStringList> pages = PrintedRows(t.module, [&] { w.cmdPrint->click(); });
+    ASSERT_EQ(pages.size(), 2);
+    EXPECT_TRUE(pages[0].contains(Plain(u"جمع|10/000/000|60/000/000|0"_s)))
+        << pages[0].join(u'\n').toStdString();
+    const QString chart = pages[1].join(u'|');
+    for (const QString& text : {u"مانده طبق برنامه"_s, u"مانده پس از کسر در فيش"_s, u"تسويه"_s})
+        EXPECT_TRUE(chart.contains(Plain(text))) << text.toStdString();
+    w.gmpEmployee->setValue(3);
+    emit w.gmpEmployee->Changed();
+    EXPECT_FALSE(w.chrBalance->chart());
+    EXPECT_FALSE(w.cmdPrint->isEnabled());
     EXPECT_TRUE(quiet());
 }
 

@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "AdjustmentFixture.h"
 #include "adjustments/AdjustmentSql.h"
 #include "adjustments/ScheduleSource.h"
+#include "support/PdfText.h"
 #include "support/TsqlCheck.h"
 
 using namespace Qt::StringLiterals;
@@ -107,6 +110,24 @@ TEST_F(ListTest, TheListOpensAnAdjustmentOnlyWhenNotOpenedForLooking) {
     EXPECT_EQ(mode(), 0);
     EXPECT_EQ(l.result(), int(QDialog::Accepted));
     EXPECT_FALSE(l.IsUnloaded());  // its rows wait for the next look
+}
+
+// Printed: the rows found, under the filters they were found with.
+TEST_F(ListTest, PrintsTheRowsUnderTheirFilters) {
+    search(1, {}, {});
+    const QList<QStringList> printed = PrintedRows(t.module, [&] { list().cmdPrint->click(); });
+    ASSERT_EQ(printed.size(), 1);
+    const QString all = printed[0].join(u'\n');
+    EXPECT_TRUE(all.contains(Plain(u"ليست تعديل وام"_s)));
+    // The filter's line: the employee box as it reads ("1001 - علي رضايي").
+    EXPECT_TRUE(std::any_of(printed[0].begin(), printed[0].end(), [](const QString& row) {
+        return row.startsWith(Plain(u"كارمند"_s)) && row.contains(u"1001"_s) &&
+               row.contains(Plain(u"علي رضايي"_s));
+    }));
+    EXPECT_TRUE(printed[0].contains(Plain(u"2|علي رضايي|1402/08/01|1402/08/30|900000|4|1"_s)))
+        << all.toStdString();
+    list().cmdNew_Click();
+    EXPECT_TRUE(PrintedRows(t.module, [&] { list().cmdPrint->click(); }).isEmpty());
 }
 
 TEST(AdjustmentSql, SqlServerTextsAreTheSuitesTexts) {

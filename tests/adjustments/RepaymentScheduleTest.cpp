@@ -4,9 +4,12 @@
 
 #include <QFile>
 #include <QTemporaryDir>
+#include <algorithm>
 
+#include "adjustments/BalanceChart.h"
 #include "adjustments/RepaymentSchedule.h"
 #include "adjustments/ScheduleExport.h"
+#include "support/PdfText.h"
 #include "support/Raises.h"
 
 using namespace Qt::StringLiterals;
@@ -174,10 +177,64 @@ TEST(ScheduleExport, CsvRowsHoldPlainAmountsNotesAndTotals) {
     EXPECT_EQ(AmountText(R(1050000)), u"1/050/000"_s);
 }
 
-TEST(ScheduleExport, APdfThatCannotBeWrittenLeavesNothing) {
+// The PDF: the months, the totals that add up with the balance to the loan amount, the facts;
+// the chart on a page of its own after the table. A file that cannot be written leaves
+// nothing.
+TEST(ScheduleExport, ThePdfHoldsTheMonthsTheTotalsAndTheChart) {
     QTemporaryDir dir;
+    const Schedule s = sample();
+    const auto chart =
+        ChartOf(terms(1000000, 300000, 3, 2, u"1402/11/30"_s, u"1403/01/31"_s), s, s);
+    const PagedDocument doc =
+        Document(u"برنامه بازپرداخت وام"_s, {u"کارمند: 1001 - علي رضايي"_s}, s, chart);
+    const QString path = dir.filePath(u"s.pdf"_s);
+    SavePdf(path, doc, u"چاپ توسط کاربر 3"_s);
+    const QList<QStringList> rows = test::PdfRows(path);
+    ASSERT_EQ(rows.size(), 2);
+    // Each month's cells from the right, and the totals: what the payslips deducted, what the
+    // months took (the loan amount with the balance left), the balance left.
+    const auto month = [&](const QString& m) {
+        const auto it = std::find_if(rows[0].begin(), rows[0].end(),
+                                     [&](const QString& r) { return r.startsWith(m); });
+        return it == rows[0].end() ? QString() : *it;
+    };
+    EXPECT_EQ(month(u"1402/11"_s), u"1402/11|300/000|300/000|300/000|700/000"_s);
+    EXPECT_EQ(month(u"1402/12"_s), u"1402/12|300/000|250/000|250/000|450/000"_s);
+    EXPECT_EQ(month(test::Plain(u"جمع"_s)), test::Plain(u"جمع|300/000|1/000/000|0"_s));
+    const QString chartPage = rows[1].join(u'|');
+    for (const QString& text : {u"برنامه بازپرداخت وام"_s, u"علي رضايي"_s, u"مانده طبق برنامه"_s,
+                                u"تسويه"_s, u"1403/01"_s, u"1/000/000"_s})
+        EXPECT_TRUE(chartPage.contains(test::Plain(text))) << text.toStdString();
+
     const QString blocked = dir.filePath(u"missing-folder/x.pdf"_s);
-    EXPECT_EQ(test::RaisedKind([&] { SavePdf(blocked, u"t"_s, {}, sample()); }),
-              KavError::Kind::Usage);
+    EXPECT_EQ(test::RaisedKind([&] { SavePdf(blocked, doc, QString()); }), KavError::Kind::Usage);
     EXPECT_FALSE(QFile::exists(blocked));
+}
+
+// The chart of a loan whose second payslip deducted less than planned: the plan, the schedule
+// (what was deducted, then what is left to come at the plan's pace), the months deducted and
+// the settlement month.
+TEST(BalanceChart, PlanAndDeductionsMonthByMonth) {
+    const LoanTerms t = terms(1000000, 300000, 3, 0, u"1402/11/30"_s, u"1403/01/31"_s);
+    const QVector<Payslip> paid = {{u"1402/11"_s, R(300000)}, {u"1402/12"_s, R(200000)}};
+    const std::optional<BalanceChart> chart = ChartOf(t, Compute(t, {}, paid), Compute(t, {}, {}));
+    ASSERT_TRUE(chart);
+    EXPECT_EQ(chart->planned, (QVector<Currency>{R(700000), R(400000), R(0)}));
+    EXPECT_EQ(chart->actual, (QVector<Currency>{R(700000), R(500000), R(100000), R(0)}));
+    EXPECT_EQ(chart->deductedMonths, 2);
+    EXPECT_EQ(chart->settlement, 2);
+    EXPECT_EQ(chart->months(), 4);
+    EXPECT_EQ(chart->monthText(0) + u' ' + chart->monthText(3), u"1402/11 1403/02"_s);
+    EXPECT_EQ(chart->loanValue, R(1000000));
+
+    // No settlement date, or one before the first month: nothing marked; no instalment: no chart.
+    EXPECT_FALSE(ChartOf(terms(1000000, 300000, 3, 0, u"1402/11/30"_s, u""_s), Compute(t, {}, paid),
+                         Compute(t, {}, {}))
+                     ->settlement);
+    EXPECT_FALSE(ChartOf(terms(1000000, 300000, 3, 0, u"1402/11/30"_s, u"1401/01/01"_s),
+                         Compute(t, {}, paid), Compute(t, {}, {}))
+                     ->settlement);
+    LoanTerms none = t;
+    none.monthlyValue.reset();
+    EXPECT_FALSE(ChartOf(none, Compute(none, {}, paid), Compute(none, {}, {})));
 }

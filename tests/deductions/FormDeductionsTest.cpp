@@ -23,6 +23,7 @@
 #include "deductions/DeductionsOpener.h"
 #include "deductions/FormDeductions.h"
 #include "loan_editor/FormHRLoan.h"
+#include "support/PdfText.h"
 #include "support/TestDatabase.h"
 
 using namespace Qt::StringLiterals;
@@ -222,9 +223,16 @@ TEST_F(FormDeductionsTest, SavesCsvAndPdf) {
               u"\"1001\",علي رضايي,1,ضروري,1000000,,1000000,900000,3100000,\r"_s.toUtf8());
     EXPECT_EQ(lines.size(), 11);  // titles, 3 rows, blank, 2 employees, 2 types, overall, end
     f.cmdExportPdf->click();
-    QFile pdf(base + u".pdf"_s);
-    ASSERT_TRUE(pdf.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(pdf.read(5) == "%PDF-");
+    // The PDF's rows as the window shows them, each page saying who printed it; printed, the
+    // same pages.
+    const QList<QStringList> rows = test::PdfRows(base + u".pdf"_s);
+    ASSERT_EQ(rows.size(), 1);
+    EXPECT_TRUE(rows[0].contains(
+        test::Plain(u"1001|علي رضايي|1|ضروري|1/000/000|1/000/000|900/000|3/100/000"_s)));
+    EXPECT_TRUE(rows[0].join(u'|').contains(test::Plain(u"چاپ توسط کاربر"_s)));
+    const QStringList printed = test::PrintedPages(t.module, [&] { f.cmdPrint->click(); });
+    ASSERT_EQ(printed.size(), 1);
+    EXPECT_TRUE(printed[0].contains(test::Plain(u"علي رضايي"_s)));
     // The month, then today's Jalali date.
     EXPECT_EQ(suggested, (QStringList{u"کسور-وام-1403-07-14.csv"_s, u"کسور-وام-1403-07-14.pdf"_s}));
     EXPECT_TRUE(f.lblStatus->text().startsWith(u"3 رديف در فايل «"_s));

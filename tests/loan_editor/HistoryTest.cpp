@@ -18,6 +18,7 @@
 #include "loan_editor/history/HistoryWords.h"
 #include "loan_editor/history/LoanRestore.h"
 #include "session/LoanHistory.h"
+#include "support/PdfText.h"
 #include "support/TsqlCheck.h"
 
 using namespace Qt::StringLiterals;
@@ -368,6 +369,10 @@ TEST_F(EditorTest, ARestoredLoanComesBackWholeAndIsOnRecord) {
         const QStringList row = w.RowTexts(0);
         EXPECT_EQ(row.mid(0, 5),
                   (QStringList{u"1"_s, u""_s, u"قرض الحسنه"_s, u"2"_s, u"حسن کريمي"_s}));
+        // Printed as shown.
+        const QList<QStringList> printed = PrintedRows(t.module, [&] { w.cmdPrint->click(); });
+        ASSERT_EQ(printed.size(), 1);
+        EXPECT_TRUE(printed[0].join(u'|').contains(Plain(u"1|قرض الحسنه|2|حسن کريمي"_s)));
         session().SessionUserID = 2;
         w.cmdRestore_Click();
         session().SessionUserID = 1;
@@ -450,6 +455,12 @@ TEST_F(EditorTest, ARemovedMemberIsPutBackFromTheHistoryAndSavedWithTheLoan) {
                   u"کارمند افزوده شد: علي رضايي (ضامن: مريم احمدي، حسن کريمي)"_s);
         h.grdHistory->setCurrentCell(1, 0);
         EXPECT_FALSE(h.cmdPutBack->isEnabled());  // view mode
+        // Printed, every row with its differences.
+        const QStringList printed = PrintedPages(t.module, [&] { h.cmdPrint->click(); });
+        ASSERT_EQ(printed.size(), 1);
+        for (const QString& text :
+             {u"تاريخچه وام"_s, u"کارمند افزوده شد"_s, u"کارمند حذف شد"_s, u"حسن کريمي"_s})
+            EXPECT_TRUE(printed[0].contains(Plain(text))) << text.toStdString();
     };
     history::ShowHistory(editor());
 }

@@ -2,12 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <QFileInfo>
-
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -21,6 +20,7 @@
 #include "controls/VarekDate.h"
 #include "controls/VarekSelector.h"
 #include "search/SearchSql.h"
+#include "support/PdfText.h"
 #include "support/Raises.h"
 #include "support/TsqlCheck.h"
 
@@ -289,6 +289,32 @@ TEST_F(SearchTest, ExportsTheShownRowsInTheirOrderAsCsv) {
               u"5,,,,مسکن,1403/01/01,3000,1403/01/31,1403/12/30,250,3000,3000,ثبت موقت,,,"_s);
     EXPECT_EQ(f.lblStatus->text(),
               u"5 رکورد در فايل «\u2066%1\u2069» ذخيره شد."_s.arg(dir.filePath(u"loans.csv"_s)));
+}
+
+// Printed: the rows as shown (sorted), the visible columns only, the count and who printed
+// them on the page.
+TEST_F(SearchTest, PrintsTheShownRows) {
+    FormSearch& f = form();
+    EXPECT_FALSE(f.cmdPrint->isEnabled());
+    f.cmdSearch->click();
+    f.DoSort(1);
+    f.DoSort(1);  // personnel codes descending
+    const QList<QStringList> printed = PrintedRows(t.module, [&] { f.cmdPrint->click(); });
+    ASSERT_EQ(printed.size(), 1);
+    const QStringList& rows = printed[0];
+    const qsizetype first = rows.indexOf(
+        Plain(u"2|1004|زهرا|موسوي|قرض الحسنه|1402/01/15|12/500/000|1402/02/31|1402/12/29|"
+              "1/041/666|12/500/000|12/500/000|ثبت موقت"_s));
+    EXPECT_GT(first, 0);
+    EXPECT_EQ(rows.indexOf(Plain(u"4|1003|حسن|کريمي|قرض الحسنه|1401/10/10|50/000/000|1401/10/30|"
+                                 "1402/09/30|5/000/000|50/000/000|50/000/000|ثبت قطعي|رضا نوري"_s)),
+              first + 1);
+    // The titles (a long one over two lines), not the hidden column's.
+    const QString all = rows.join(u'|');
+    for (const QString& title : kHeaders.mid(0, 16))
+        EXPECT_TRUE(all.contains(Plain(title).left(6))) << title.toStdString();
+    EXPECT_FALSE(all.contains(Plain(kHeaders[16])));
+    EXPECT_TRUE(printed[0].join(u'|').contains(Plain(u"5 رکورد يافت شد."_s)));
 }
 
 TEST(SearchQuery, EveryCriterionAddsItsFragmentInItsOrder) {

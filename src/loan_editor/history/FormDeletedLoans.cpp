@@ -7,12 +7,14 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+#include "controls/GridDocument.h"
 #include "loan_editor/FormHRLoan.h"
 #include "loan_editor/LoanEditorTexts.h"
 #include "loan_editor/LoanStatusBar.h"
 #include "loan_editor/history/HistoryTexts.h"
 #include "loan_editor/history/HistoryWords.h"
 #include "loan_editor/history/LoanRestore.h"
+#include "session/Printing.h"
 #include "session/Ui.h"
 
 using namespace Qt::StringLiterals;
@@ -27,6 +29,7 @@ FormDeletedLoans::FormDeletedLoans(Module& module, FormHRLoan& editor)
     buildControls();
     connect(cmdRestore, &QPushButton::clicked, this, Guarded(&FormDeletedLoans::cmdRestore_Click));
     connect(cmdExit, &QPushButton::clicked, this, Guarded(&FormDeletedLoans::cmdExit_Click));
+    connect(cmdPrint, &QPushButton::clicked, this, Guarded(&FormDeletedLoans::cmdPrint_Click));
 }
 
 void FormDeletedLoans::buildControls() {
@@ -45,10 +48,12 @@ void FormDeletedLoans::buildControls() {
     for (int c = 0; c < columns; ++c) grdDeleted->setColumnWidth(c, c == 2 || c == 4 ? 170 : 110);
     cmdRestore = Named(new QPushButton(X::CaptionRestore, this), u"cmdRestore"_s);
     cmdExit = Named(new QPushButton(editor_texts::CaptionExit, this), u"cmdExit"_s);
-    for (QPushButton* b : {cmdRestore, cmdExit}) b->setAutoDefault(false);
+    cmdPrint = Named(new QPushButton(X::CaptionPrint, this), u"cmdPrint"_s);
+    for (QPushButton* b : {cmdPrint, cmdRestore, cmdExit}) b->setAutoDefault(false);
 
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(cmdRestore);
+    buttons->addWidget(cmdPrint);
     buttons->addStretch(1);
     buttons->addWidget(cmdExit);
     auto* layout = new QVBoxLayout(this);
@@ -122,5 +127,10 @@ void FormDeletedLoans::cmdRestore_Click() {
 }
 
 void FormDeletedLoans::cmdExit_Click() { close(); }
+
+void FormDeletedLoans::cmdPrint_Click() {
+    PrintDocument(module(), this,
+                  TablePages(controls::GridDocument(*grdDeleted, windowTitle(), {})));
+}
 
 }  // namespace kav

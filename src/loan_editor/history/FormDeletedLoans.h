@@ -25,6 +25,7 @@ public:
     void Fill();
     void cmdRestore_Click();
     void cmdExit_Click();
+    void cmdPrint_Click();
 
     const QList<history::DeletedLoan>& Loans() const { return loans_; }
     // The grid's texts of a row, in the order of its columns.
@@ -33,6 +34,7 @@ public:
     QTableWidget* grdDeleted;
     QPushButton* cmdRestore;
     QPushButton* cmdExit;
+    QPushButton* cmdPrint;
 
 private:
     void buildControls();

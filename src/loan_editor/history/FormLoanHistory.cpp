@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "controls/FlexGrid.h"
+#include "controls/GridDocument.h"
 #include "loan_editor/FormHRLoan.h"
 #include "loan_editor/LoanEditorSql.h"
 #include "loan_editor/LoanEditorTexts.h"
@@ -17,6 +18,7 @@
 #include "loan_editor/LoanStatusBar.h"
 #include "loan_editor/history/HistoryTexts.h"
 #include "loan_editor/history/HistoryWords.h"
+#include "session/Printing.h"
 #include "session/TextProcs.h"
 #include "session/Ui.h"
 
@@ -33,6 +35,7 @@ FormLoanHistory::FormLoanHistory(Module& module, FormHRLoan& editor, qint32 loan
     buildControls();
     connect(cmdPutBack, &QPushButton::clicked, this, Guarded(&FormLoanHistory::cmdPutBack_Click));
     connect(cmdExit, &QPushButton::clicked, this, Guarded(&FormLoanHistory::cmdExit_Click));
+    connect(cmdPrint, &QPushButton::clicked, this, Guarded(&FormLoanHistory::cmdPrint_Click));
     connect(grdHistory, &QTableWidget::currentCellChanged, this, [this] { updatePutBack(); });
     // The rows grow to their differences at the width the columns have.
     connect(grdHistory->horizontalHeader(), &QHeaderView::sectionResized, grdHistory,
@@ -60,11 +63,13 @@ void FormLoanHistory::buildControls() {
     grdHistory->setColumnWidth(2, 200);
     cmdPutBack = Named(new QPushButton(X::CaptionPutBack, this), u"cmdPutBack"_s);
     cmdExit = Named(new QPushButton(editor_texts::CaptionExit, this), u"cmdExit"_s);
-    for (QPushButton* b : {cmdPutBack, cmdExit}) b->setAutoDefault(false);
+    cmdPrint = Named(new QPushButton(X::CaptionPrint, this), u"cmdPrint"_s);
+    for (QPushButton* b : {cmdPrint, cmdPutBack, cmdExit}) b->setAutoDefault(false);
     cmdPutBack->setEnabled(false);
 
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(cmdPutBack);
+    buttons->addWidget(cmdPrint);
     buttons->addStretch(1);
     buttons->addWidget(cmdExit);
     auto* layout = new QVBoxLayout(this);
@@ -156,5 +161,11 @@ void FormLoanHistory::cmdPutBack_Click() {
 }
 
 void FormLoanHistory::cmdExit_Click() { close(); }
+
+void FormLoanHistory::cmdPrint_Click() {
+    PrintDocument(
+        module(), this,
+        TablePages(controls::GridDocument(*grdHistory, windowTitle(), {lblLoan->text()})));
+}
 
 }  // namespace kav

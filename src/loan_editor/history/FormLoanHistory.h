@@ -28,6 +28,7 @@ public:
     // Puts the members the selected row removed back into the loan window's grid.
     void cmdPutBack_Click();
     void cmdExit_Click();
+    void cmdPrint_Click();
 
     const QList<history::HistoryEntry>& Entries() const { return entries_; }
     // The grid's texts of a row: when, who, what, the differences (lines joined by "\n").
@@ -37,6 +38,7 @@ public:
     QTableWidget* grdHistory;
     QPushButton* cmdPutBack;
     QPushButton* cmdExit;
+    QPushButton* cmdPrint;
 
 private:
     void buildControls();

@@ -12,6 +12,9 @@ using namespace Qt::StringLiterals;
 inline const QString HistoryCaption = u"تاريخچه وام"_s;
 inline const QString DeletedLoansCaption = u"وام هاي حذف شده"_s;
 
+// Printing either window.
+inline const QString CaptionPrint = u"چاپ"_s;
+
 // The history window.
 inline const QString HistoryHeaders[] = {u"زمان"_s, u"کاربر"_s, u"عمليات"_s, u"تغييرات"_s};
 inline const QString CaptionPutBack = u"افزودن دوباره کارمند حذف شده"_s;

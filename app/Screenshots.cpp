@@ -131,10 +131,10 @@ QList<qint32> freeEmployees(const QString& file, qint32 loan, int count) {
         db.setDatabaseName(file);
         if (db.open()) {
             QSqlQuery q(db);
-            q.exec(u"select ID from tblEmployee where WorkStatusID <> 3 and ID not in (select "
-                   "EmployeeID from tblHRLoanDetail where LoanID=%1) order by ID limit %2"_s
-                       .arg(loan)
-                       .arg(count));
+            q.exec(
+                u"select ID from tblEmployee where WorkStatusID <> 3 and ID not in (select "
+                "EmployeeID from tblHRLoanDetail where LoanID=%1) order by ID limit %2"_s.arg(loan)
+                    .arg(count));
             while (q.next()) ids << q.value(0).toInt();
         }
     }

@@ -21,6 +21,7 @@
 #include "controls/FlexGrid.h"
 #include "controls/VarekDate.h"
 #include "controls/VarekSelector.h"
+#include "session/CommandKeys.h"
 #include "session/Csv.h"
 #include "session/FileDialog.h"
 #include "session/LoanHistory.h"
@@ -267,6 +268,15 @@ void FormHRException::connectHandlers() {
     connect(cmdExportPdf, &QPushButton::clicked, this,
             handler(&FormHRException::cmdExportPdf_Click));
     connect(cmdPrint, &QPushButton::clicked, this, handler(&FormHRException::cmdPrint_Click));
+    using keys::Command;
+    keys::Bind(*this, {{Command::New, cmdNew},
+                       {Command::Edit, cmdEdit},
+                       {Command::Delete, cmdDelete},
+                       {Command::Save, cmdSave},
+                       {Command::Search, cmdList},
+                       {Command::Export, cmdExportCsv},
+                       {Command::ExportPdf, cmdExportPdf},
+                       {Command::Print, cmdPrint}});
 }
 
 void FormHRException::Form_Load() {

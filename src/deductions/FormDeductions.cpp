@@ -166,7 +166,7 @@ void FormDeductions::buildControls() {
     layout->addWidget(lblTotals);
     layout->addLayout(commands);
     layout->addWidget(lblStatus);
-    resize(1280, 720);
+    resize(1280, 660);
 }
 
 void FormDeductions::connectHandlers() {

@@ -157,7 +157,7 @@ void FormSearch::buildControls() {
     layout->addLayout(commands);
     layout->addWidget(Flexsearchresult, 1);
     layout->addWidget(lblStatus);
-    resize(1200, 760);
+    resize(1200, 660);
 }
 
 void FormSearch::connectHandlers() {

@@ -38,6 +38,7 @@
 #include "session/Module.h"
 #include "session/QtTranslation.h"
 #include "session/Vb.h"
+#include "session/WindowMemory.h"
 
 using namespace Qt::StringLiterals;
 
@@ -191,7 +192,9 @@ int main(int argc, char** argv) {
         "when missing or empty) as the demo user who holds every permission. On any other "
         "database the user must be given (--user, or a stored UserID). Options given here "
         "replace the stored properties, which are kept after a successful start in\n  "_s +
-        settings.fileName() + u"\n(group [kavHRLoan1]; --reset-settings forgets them)."_s);
+        settings.fileName() +
+        u"\n(group [kavHRLoan1]; the windows' sizes and column widths in [Windows]; "
+        "--reset-settings forgets both)."_s);
     parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption demo(
@@ -222,7 +225,9 @@ int main(int argc, char** argv) {
                                   u"id"_s);
     const QCommandLineOption bench(u"bench"_s, u"Show the control's test bench."_s);
     const QCommandLineOption resetSettings(
-        u"reset-settings"_s, u"Forget the stored properties of the control and exit."_s);
+        u"reset-settings"_s,
+        u"Forget the stored properties of the control and the windows' remembered sizes and "
+        "column widths, and exit."_s);
     const QCommandLineOption createDemo(u"create-demo-db"_s,
                                         u"Create a demo database in FILE and exit."_s, u"FILE"_s);
     const QCommandLineOption screenshots(
@@ -267,8 +272,9 @@ int main(int argc, char** argv) {
         }
         if (parser.isSet(resetSettings)) {
             settings.remove(kPropertyGroup);
+            kav::window_memory::Forget(settings);
             storeSettings(settings);
-            std::printf("the stored properties in %s are forgotten\n",
+            std::printf("the stored properties and window sizes in %s are forgotten\n",
                         settings.fileName().toUtf8().constData());
             return 0;
         }

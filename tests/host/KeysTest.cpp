@@ -16,6 +16,7 @@
 #include "loan_editor/history/FormDeletedLoans.h"
 #include "loan_editor/history/FormLoanHistory.h"
 #include "search/FormSearch.h"
+#include "session/ReadingOrder.h"
 
 using namespace Qt::StringLiterals;
 using namespace kav;
@@ -254,6 +255,18 @@ TEST_F(KeysTest, TheLoanWindowsTabChainFollowsTheReadingOrder) {
     t.messages->defaultAnswer = 1;
     w.cmdCancel->click();
     w.hide();
+
+    // The register's grids on their tab pages follow the tabs, whichever page is shown.
+    FormDeductions& r = t.module.Window<FormDeductions>();
+    r.tabRegister->setCurrentIndex(1);
+    Activate(r);
+    QStringList order;
+    for (QWidget* f : ReadingOrder(r)) order << f->objectName();
+    EXPECT_EQ(order.join(u' '),
+              u"txtMonth cmbLoanType sltEmployee cmdSearch qt_tabwidget_tabbar "
+              "FlexDeductions FlexEmployeeTotals FlexLoanTypeTotals cmdExportCsv "
+              "cmdExportPdf cmdPrint cmdExit"_s);
+    r.hide();
 }
 
 // Every window opens within a laptop's 1366x700 and its layout fits there.

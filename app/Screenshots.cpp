@@ -373,17 +373,17 @@ int RenderScreenshots(const QString& dir) {
     written += save(*question, dir, u"question"_s);
 
     written += save(host, dir, u"test-bench"_s);
-    if (!oversized.isEmpty()) {
-        const QSize largest = kav::window_memory::LargestFirstSize;
-        throw kav::KavError(kav::KavError::Kind::Usage,
-                            u"پنجره هاي بزرگتر از %1x%2: %3"_s.arg(largest.width())
-                                .arg(largest.height())
-                                .arg(oversized.join(u"، "_s)));
-    }
     if (galleryUnwritten > 0 || !unwritten.isEmpty())
         throw kav::KavError(
             kav::KavError::Kind::Usage,
             u"%1 تصوير در «%2» نوشته نشد. %3"_s.arg(
                 QString::number(galleryUnwritten + unwritten.size()), dir, unwritten.join(u" "_s)));
+    if (!oversized.isEmpty()) {
+        const QSize largest = kav::window_memory::LargestFirstSize;
+        throw kav::KavError(kav::KavError::Kind::Usage,
+                            u"اين پنجره ها از %1x%2 بزرگترند: %3"_s.arg(largest.width())
+                                .arg(largest.height())
+                                .arg(oversized.join(u"، "_s)));
+    }
     return int(QDir(dir).entryList({u"*.png"_s}, QDir::Files).size());
 }

@@ -32,8 +32,10 @@ Options::Options()
       caption(u"caption"_s, u"The module's title (Caption)."_s, u"text"_s),
       view(u"view"_s, u"Open the loan with this id read-only (View)."_s, u"id"_s),
       bench(u"bench"_s, u"Show the control's test bench."_s),
-      resetSettings(u"reset-settings"_s,
-                    u"Forget the stored properties of the control and exit."_s),
+      resetSettings(
+          u"reset-settings"_s,
+          u"Forget the stored properties of the control and the windows' remembered sizes and "
+          "column widths, and exit."_s),
       createDemo(u"create-demo-db"_s, u"Create a demo database in FILE and exit."_s, u"FILE"_s),
       screenshots(u"screenshots"_s,
                   u"Render every window and control to PNG files in DIR and exit."_s, u"DIR"_s),
@@ -64,7 +66,9 @@ void Options::AddTo(QCommandLineParser& parser, const QString& settingsFile) con
         "when missing or empty) as the demo user who holds every permission. On any other "
         "database the user must be given (--user, or a stored UserID). Options given here "
         "replace the stored properties, which are kept after a successful start in\n  "_s +
-        settingsFile + u"\n(group [kavHRLoan1]; --reset-settings forgets them)."_s);
+        settingsFile +
+        u"\n(group [kavHRLoan1]; the windows' sizes and column widths in [Windows]; "
+        "--reset-settings forgets both)."_s);
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addOptions({demo, freshDemo, connection, user, position, employee, prsEmployee, caption,

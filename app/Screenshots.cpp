@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPrintPreviewWidget>
 #include <QPushButton>
 #include <QSqlDatabase>
@@ -42,6 +43,7 @@
 #include "session/Module.h"
 #include "session/Printing.h"
 #include "session/TableDocument.h"
+#include "session/WindowMemory.h"
 
 using namespace Qt::StringLiterals;
 
@@ -68,8 +70,13 @@ private:
 };
 
 QStringList unwritten;
+// Windows shown larger than a laptop's screen takes at their first size.
+QStringList oversized;
 
 int save(QWidget& w, const QString& dir, const QString& name, int settleMs = 0) {
+    const QSize largest = kav::window_memory::LargestFirstSize;
+    if (w.width() > largest.width() || w.height() > largest.height())
+        oversized << u"%1 (%2x%3)"_s.arg(name).arg(w.width()).arg(w.height());
     w.show();
     QApplication::processEvents();
     // What fills itself in the background (a folder's files) gets a moment.
@@ -148,6 +155,7 @@ int RenderScreenshots(const QString& dir) {
     QDir().mkpath(dir);
     int written = 0;
     unwritten.clear();
+    oversized.clear();
     const int galleryUnwritten = kav::controls::RenderControlGallery(dir);
 
     QTemporaryDir temp;
@@ -156,6 +164,8 @@ int RenderScreenshots(const QString& dir) {
 
     auto module = std::make_shared<kav::Module>();
     module->SetMessageFactory([] { return std::make_unique<SilentComponent>(); });
+    // Every window at its first size, whatever the user's own runs remembered.
+    module->SetRemembersWindows(false);
     kav::kavHRLoan1 host(module);
     host.setOLEConnectionstring(kav::data::EmbeddedConnectionString(file));
     host.setUserID(kav::data::DemoUserWithPermissions);
@@ -184,6 +194,16 @@ int RenderScreenshots(const QString& dir) {
     editor.cmdCancel_Click();
     editor.ViewPRSLoansInfo(demoLoan(file, true));
     photograph(u"editor-view-final"_s);
+    // Its Tools menu, with the keys beside the entries.
+    editor.show();
+    editor.mnuTool->popup(editor.PushButton1->mapToGlobal(QPoint(0, editor.PushButton1->height())));
+    QApplication::processEvents();
+    if (editor.mnuTool->grab().save(QDir(dir).filePath(u"editor-tools-menu.png"_s)))
+        ++written;
+    else
+        unwritten << u"editor-tools-menu.png"_s;
+    editor.mnuTool->hide();
+    editor.hide();
 
     // The picker with a borrower and two guarantors chosen, then the editor with the member
     // and the employees with an ordinance in the loan's period added.
@@ -217,10 +237,6 @@ int RenderScreenshots(const QString& dir) {
         auto* w = qobject_cast<kav::FormHRException*>(&d);
         if (!w) return 0;
         written += save(*w, dir, u"adjustment-empty"_s);
-        const QSize size = w->size();
-        w->resize(size.width(), 1040);
-        written += save(*w, dir, u"schedule"_s);
-        w->resize(size);
         // The PDF's first page and its last, the chart.
         written += savePages(w->ScheduleDocument(), kav::PrintedNow(*module), dir,
                              {{0, u"schedule-pdf"_s}, {-1, u"schedule-pdf-chart"_s}});
@@ -362,5 +378,12 @@ int RenderScreenshots(const QString& dir) {
             kav::KavError::Kind::Usage,
             u"%1 تصوير در «%2» نوشته نشد. %3"_s.arg(
                 QString::number(galleryUnwritten + unwritten.size()), dir, unwritten.join(u" "_s)));
+    if (!oversized.isEmpty()) {
+        const QSize largest = kav::window_memory::LargestFirstSize;
+        throw kav::KavError(kav::KavError::Kind::Usage,
+                            u"اين پنجره ها از %1x%2 بزرگترند: %3"_s.arg(largest.width())
+                                .arg(largest.height())
+                                .arg(oversized.join(u"، "_s)));
+    }
     return int(QDir(dir).entryList({u"*.png"_s}, QDir::Files).size());
 }

@@ -7,6 +7,8 @@
 #include <QSettings>
 #include <cstdio>
 
+#include "session/WindowMemory.h"
+
 using namespace Qt::StringLiterals;
 
 namespace app {
@@ -34,8 +36,9 @@ void StoreSettings(QSettings& settings) {
 
 int ResetSettings(QSettings& settings) {
     settings.remove(PropertyGroup());
+    kav::window_memory::Forget(settings);
     StoreSettings(settings);
-    std::printf("the stored properties in %s are forgotten\n",
+    std::printf("the stored properties and window sizes in %s are forgotten\n",
                 settings.fileName().toUtf8().constData());
     return 0;
 }

@@ -16,7 +16,8 @@ QString PropertyGroup();
 // stand in a file others may read; a new file is made for its owner alone.
 void StoreSettings(QSettings& settings);
 
-// --reset-settings: forgets the stored properties, says where, and returns the exit code.
+// --reset-settings: forgets the stored properties and the windows' sizes and column widths,
+// says where, and returns the exit code.
 int ResetSettings(QSettings& settings);
 
 }  // namespace app

@@ -21,6 +21,7 @@
 #include "controls/FlexGrid.h"
 #include "controls/VarekDate.h"
 #include "controls/VarekSelector.h"
+#include "session/CommandKeys.h"
 #include "session/Csv.h"
 #include "session/FileDialog.h"
 #include "session/LoanHistory.h"
@@ -149,8 +150,11 @@ void FormHRException::buildControls() {
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(lblMessage);
-    layout->addWidget(entry);
-    layout->addWidget(buildLoanInfo());
+    // The adjustment and the loan's terms side by side, so the schedule keeps the height.
+    auto* top = new QHBoxLayout;
+    top->addWidget(entry, 1);
+    top->addWidget(buildLoanInfo(), 1);
+    layout->addLayout(top);
     layout->addWidget(buildBalance(), 1);
     layout->addLayout(commands);
     layout->addWidget(txtID);
@@ -159,7 +163,7 @@ void FormHRException::buildControls() {
     Timer1 = new QTimer(this);
     Timer1->setObjectName(u"Timer1"_s);
     Timer1->setInterval(250);
-    resize(900, 720);
+    resize(1180, 680);
 }
 
 // The loan's terms, each a caption and a value label named lbl<what>.
@@ -186,12 +190,12 @@ QWidget* FormHRException::buildLoanInfo() {
         QFont f = value->font();
         f.setBold(true);
         value->setFont(f);
-        const int row = i / 3, col = (i % 3) * 2;
+        const int row = i / 4, col = (i % 4) * 2;
         grid->addWidget(new QLabel(caption, fraLoanInfo), row, col);
         grid->addWidget(value, row, col + 1);
         ++i;
     }
-    for (int c : {1, 3, 5}) grid->setColumnStretch(c, 1);
+    for (int c : {1, 3, 5, 7}) grid->setColumnStretch(c, 1);
     return fraLoanInfo;
 }
 
@@ -228,7 +232,7 @@ QWidget* FormHRException::buildBalance() {
     FlexBalance->setFormatString(format.join(u'|'));
     const int widths[kBalanceCols] = {600, 1100, 1700, 1700, 1700, 1700, 1800, 2400};
     for (int c = 0; c < kBalanceCols; ++c) FlexBalance->setColWidth(c, widths[c]);
-    FlexBalance->setMinimumHeight(160);
+    FlexBalance->setMinimumHeight(130);
     chrBalance = Named(new schedule::BalanceChartView(fraBalance), u"chrBalance"_s);
     auto* split = Named(new QSplitter(Qt::Vertical, fraBalance), u"splBalance"_s);
     split->addWidget(FlexBalance);
@@ -267,6 +271,15 @@ void FormHRException::connectHandlers() {
     connect(cmdExportPdf, &QPushButton::clicked, this,
             handler(&FormHRException::cmdExportPdf_Click));
     connect(cmdPrint, &QPushButton::clicked, this, handler(&FormHRException::cmdPrint_Click));
+    using keys::Command;
+    keys::Bind(*this, {{Command::New, cmdNew},
+                       {Command::Edit, cmdEdit},
+                       {Command::Delete, cmdDelete},
+                       {Command::Save, cmdSave},
+                       {Command::Search, cmdList},
+                       {Command::Export, cmdExportCsv},
+                       {Command::ExportPdf, cmdExportPdf},
+                       {Command::Print, cmdPrint}});
 }
 
 void FormHRException::Form_Load() {

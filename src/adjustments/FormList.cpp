@@ -16,6 +16,7 @@
 #include "controls/GridDocument.h"
 #include "controls/VarekDate.h"
 #include "controls/VarekSelector.h"
+#include "session/CommandKeys.h"
 #include "session/Module.h"
 #include "session/Printing.h"
 #include "session/Ui.h"
@@ -39,6 +40,9 @@ FormList::FormList(Module& module, QWidget* parent)
     connect(cmdPrint, &QPushButton::clicked, this, Guarded(&FormList::cmdPrint_Click));
     connect(FlexEmployee, &FlexGrid::Click, this, Guarded(&FormList::FlexEmployee_Click));
     connect(FlexEmployee, &FlexGrid::DblClick, this, Guarded(&FormList::FlexEmployee_DblClick));
+    using keys::Command;
+    keys::Bind(*this,
+               {{Command::Search, cmdSearch}, {Command::New, cmdNew}, {Command::Print, cmdPrint}});
     Form_Load();
 }
 

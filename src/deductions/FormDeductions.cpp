@@ -20,6 +20,7 @@
 #include "controls/VarekSelector.h"
 #include "deductions/DeductionsSql.h"
 #include "deductions/DeductionsTexts.h"
+#include "session/CommandKeys.h"
 #include "session/Csv.h"
 #include "session/FileDialog.h"
 #include "session/Module.h"
@@ -165,7 +166,7 @@ void FormDeductions::buildControls() {
     layout->addWidget(lblTotals);
     layout->addLayout(commands);
     layout->addWidget(lblStatus);
-    resize(1280, 720);
+    resize(1280, 660);
 }
 
 void FormDeductions::connectHandlers() {
@@ -176,6 +177,11 @@ void FormDeductions::connectHandlers() {
             Guarded(&FormDeductions::cmdExportPdf_Click));
     connect(cmdPrint, &QPushButton::clicked, this, Guarded(&FormDeductions::cmdPrint_Click));
     connect(cmdExit, &QPushButton::clicked, this, Guarded(&FormDeductions::cmdExit_Click));
+    using keys::Command;
+    keys::Bind(*this, {{Command::Search, cmdSearch},
+                       {Command::Export, cmdExportCsv},
+                       {Command::ExportPdf, cmdExportPdf},
+                       {Command::Print, cmdPrint}});
     connect(FlexDeductions, &FlexGrid::Click, this, Guarded(&FormDeductions::FlexDeductions_Click));
     connect(FlexDeductions, &FlexGrid::DblClick, this,
             Guarded(&FormDeductions::FlexDeductions_DblClick));

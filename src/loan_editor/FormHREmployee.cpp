@@ -8,6 +8,7 @@
 
 #include "controls/VarekSelector.h"
 #include "loan_editor/LoanEditorTexts.h"
+#include "session/CommandKeys.h"
 #include "session/Module.h"
 #include "session/Ui.h"
 
@@ -68,6 +69,7 @@ FormHREmployee::FormHREmployee(Module& module, QWidget* parent)
             Guarded(&FormHREmployee::sltEmployeeID_Change));
     connect(cmdOK, &QPushButton::clicked, this, Guarded(&FormHREmployee::cmdOK_Click));
     connect(cmdExit, &QPushButton::clicked, this, Guarded(&FormHREmployee::cmdExit_Click));
+    keys::Bind(*this, {{keys::Command::Save, cmdOK}});
 
     Form_Load();
 }

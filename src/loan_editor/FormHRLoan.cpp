@@ -27,6 +27,7 @@
 #include "loan_editor/LoanDates.h"
 #include "loan_editor/LoanEditorSql.h"
 #include "loan_editor/LoanEditorTexts.h"
+#include "loan_editor/LoanKeys.h"
 #include "loan_editor/LoanMembers.h"
 #include "loan_editor/LoanModes.h"
 #include "loan_editor/LoanStatusBar.h"
@@ -55,6 +56,7 @@ FormHRLoan::FormHRLoan(Module& module, QWidget* parent)
     Form_Load();
     history::AttachToEditor(*this);  // the history and deleted loans in the Tools menu
     sheet::AttachToEditor(*this);    // the loan sheet, printed or saved as PDF
+    loan_keys::AttachToEditor(*this);  // the command keys and the Tab stops
 }
 
 FormHRLoan::~FormHRLoan() {

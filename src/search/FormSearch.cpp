@@ -25,6 +25,7 @@
 #include "search/SearchGrid.h"
 #include "search/SearchSql.h"
 #include "search/SearchTexts.h"
+#include "session/CommandKeys.h"
 #include "session/Csv.h"
 #include "session/FileDialog.h"
 #include "session/Module.h"
@@ -156,7 +157,7 @@ void FormSearch::buildControls() {
     layout->addLayout(commands);
     layout->addWidget(Flexsearchresult, 1);
     layout->addWidget(lblStatus);
-    resize(1200, 760);
+    resize(1200, 660);
 }
 
 void FormSearch::connectHandlers() {
@@ -165,6 +166,11 @@ void FormSearch::connectHandlers() {
     connect(cmdExport, &QPushButton::clicked, this, Guarded(&FormSearch::cmdExport_Click));
     connect(cmdPrint, &QPushButton::clicked, this, Guarded(&FormSearch::cmdPrint_Click));
     connect(cmdExit, &QPushButton::clicked, this, Guarded(&FormSearch::cmdExit_Click));
+    using keys::Command;
+    keys::Bind(*this, {{Command::Search, cmdSearch},
+                       {Command::New, cmdNewSearch},
+                       {Command::Export, cmdExport},
+                       {Command::Print, cmdPrint}});
     connect(Flexsearchresult, &FlexGrid::Click, this, Guarded(&FormSearch::Flexsearchresult_Click));
     connect(Flexsearchresult, &FlexGrid::DblClick, this,
             Guarded(&FormSearch::Flexsearchresult_DblClick));

@@ -72,6 +72,11 @@ public:
     void SetSaveFileQuestion(SaveFileQuestion question) { saveFile_ = std::move(question); }
     const SaveFileQuestion& saveFileQuestion() const { return saveFile_; }
 
+    // Whether the windows keep their sizes and column widths in the application's settings
+    // (session/WindowMemory.h). On unless switched off (the screenshots, the tests).
+    void SetRemembersWindows(bool on) { remembersWindows_ = on; }
+    bool RemembersWindows() const { return remembersWindows_; }
+
     void SetModalRunner(ModalRunner runner) { modal_ = std::move(runner); }
     int ShowModal(QDialog& dialog) const;
 
@@ -124,6 +129,7 @@ private:
     PrintPreviewRunner preview_;
     SaveFileQuestion saveFile_ = AskWithFileDialog;
     QString captionNote_;
+    bool remembersWindows_ = true;
     std::function<void()> lockWaitHook_;
     std::map<std::type_index, std::unique_ptr<QObject>> windows_;
     std::map<std::type_index, std::function<void*(Module&)>> ports_;

@@ -2,11 +2,13 @@
 
 #include <QPrintPreviewDialog>
 #include <QPrinter>
+#include <QSettings>
 
 #include "base/Errors.h"
 #include "session/Handler.h"
 #include "session/Module.h"
 #include "session/TextProcs.h"
+#include "session/WindowMemory.h"
 
 using namespace Qt::StringLiterals;
 
@@ -58,11 +60,20 @@ void ShowQtPrintPreview(const Module& module, QWidget* parent, QPrinter& printer
     QPrintPreviewDialog dialog(&printer, parent);
     dialog.setObjectName(u"dlgPrintPreview"_s);
     dialog.setLayoutDirection(Qt::RightToLeft);
-    dialog.resize(1000, 760);
+    dialog.resize(1000, 660);
+    const bool remember = module.RemembersWindows();
+    if (remember) {
+        QSettings settings;
+        window_memory::Restore(dialog, settings);
+    }
     // The preview asks for the pages from inside the event loop: nothing raised may leave it.
     QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
                      [&](QPrinter* target) { RunHandler(module, [&] { paint(*target); }); });
     module.ShowModal(dialog);
+    if (remember) {
+        QSettings settings;
+        window_memory::Remember(dialog, settings);
+    }
 }
 
 }  // namespace kav

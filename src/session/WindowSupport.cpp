@@ -8,10 +8,13 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSettings>
 #include <QVariant>
 
 #include "base/Errors.h"
+#include "session/ReadingOrder.h"
 #include "session/TextProcs.h"
+#include "session/WindowMemory.h"
 
 using namespace Qt::StringLiterals;
 
@@ -114,8 +117,23 @@ void ModuleWindow::keyPressEvent(QKeyEvent* event) {
 }
 
 void ModuleWindow::showEvent(QShowEvent* event) {
+    // The size first: a dialog centres itself with the size it has when shown.
+    if (!shownBefore_ && !event->spontaneous() && module_.RemembersWindows()) {
+        QSettings settings;
+        window_memory::Restore(*this, settings);
+    }
+    shownBefore_ = true;
+    ApplyReadingOrder(*this);
     QDialog::showEvent(event);
     unloaded_ = false;
+}
+
+void ModuleWindow::hideEvent(QHideEvent* event) {
+    if (!event->spontaneous() && module_.RemembersWindows()) {
+        QSettings settings;
+        window_memory::Remember(*this, settings);
+    }
+    QDialog::hideEvent(event);
 }
 
 // ---- Keys and focus ----

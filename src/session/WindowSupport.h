@@ -70,7 +70,9 @@ void Apply(QWidget& window, const Table& table, qint32 mode, const QString& loan
 // A window of the module: a dialog the module shows modally as its single shared instance.
 // Closing it (close box, Escape or its exit command) first asks QueryUnload, inside the
 // handler boundary; when that agrees, the window is unloaded and the next use makes a new
-// one (see ShowShared).
+// one (see ShowShared). Each time it is shown Tab follows its reading order; the first time,
+// it takes the size and column widths it had when last hidden, and hiding it keeps them
+// (when the module remembers windows).
 class ModuleWindow : public QDialog {
     Q_OBJECT
 public:
@@ -106,10 +108,12 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void reject() override;  // Escape closes the way the close box does
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     Module& module_;
     bool unloaded_ = false;
+    bool shownBefore_ = false;
 };
 
 // Shows the module's shared window of type W modally and returns the dialog's result; when

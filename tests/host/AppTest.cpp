@@ -120,6 +120,9 @@ TEST_F(AppTest, FailedStartsExitWithTwoOrThreeAndStoreNothing) {
         << stopped.err.toStdString();
     EXPECT_TRUE(stopped.err.contains(u"--reset-settings"_s));
     EXPECT_EQ(run({u"--user"_s, u"2"_s}).code, 3);  // no permission: refused, but started
+    // The windows' sizes and columns go with the properties.
+    QSettings(settingsFile(), QSettings::IniFormat)
+        .setValue(u"Windows/FormSearch/columns/Flexsearchresult"_s, u"40"_s);
     EXPECT_EQ(run({u"--reset-settings"_s}).code, 0);
     EXPECT_EQ(storedKeys(), QStringList());
 }
@@ -135,6 +138,10 @@ TEST_F(AppTest, TheDemoMakesAnEmptyDemoDatabaseAgain) {
     store(u"abc"_s, u"Provider=SQLite;Data Source=/x.db"_s);
     const Outcome r = run({u"--demo"_s, u"--quit-when-shown"_s});
     EXPECT_EQ(r.code, 0) << r.err.toStdString();
+    // The window shown keeps its size and its grid's columns for the next run.
+    EXPECT_EQ(
+        storedKeys().filter(u"Windows/"_s),
+        (QStringList{u"Windows/FormHRLoan/columns/FlexEmployee"_s, u"Windows/FormHRLoan/size"_s}));
     // The notes of loan 1 as the demo database holds them; a text given is saved first.
     const auto notes = [&](const QString& saved = {}) {
         QString text;

@@ -85,6 +85,8 @@ QStringList TestDatabase::table(const QString& sql) const {
 TestModule::TestModule() {
     module.session.SessionConnectionString = db.connectionString();
     module.SetMessageFactory(ScriptedFactory(messages));
+    // A window shown by one test never opens at the size another left behind.
+    module.SetRemembersWindows(false);
     module.SetModalRunner([this](QDialog&) {
         ++modalShown;
         return 0;

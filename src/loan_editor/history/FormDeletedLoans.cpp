@@ -14,6 +14,7 @@
 #include "loan_editor/history/HistoryTexts.h"
 #include "loan_editor/history/HistoryWords.h"
 #include "loan_editor/history/LoanRestore.h"
+#include "session/CommandKeys.h"
 #include "session/Printing.h"
 #include "session/Ui.h"
 
@@ -30,6 +31,8 @@ FormDeletedLoans::FormDeletedLoans(Module& module, FormHRLoan& editor)
     connect(cmdRestore, &QPushButton::clicked, this, Guarded(&FormDeletedLoans::cmdRestore_Click));
     connect(cmdExit, &QPushButton::clicked, this, Guarded(&FormDeletedLoans::cmdExit_Click));
     connect(cmdPrint, &QPushButton::clicked, this, Guarded(&FormDeletedLoans::cmdPrint_Click));
+    keys::Bind(*this,
+               {{keys::Command::BackToTemporary, cmdRestore}, {keys::Command::Print, cmdPrint}});
 }
 
 void FormDeletedLoans::buildControls() {

@@ -18,6 +18,7 @@
 #include "loan_editor/LoanStatusBar.h"
 #include "loan_editor/history/HistoryTexts.h"
 #include "loan_editor/history/HistoryWords.h"
+#include "session/CommandKeys.h"
 #include "session/Printing.h"
 #include "session/TextProcs.h"
 #include "session/Ui.h"
@@ -36,6 +37,7 @@ FormLoanHistory::FormLoanHistory(Module& module, FormHRLoan& editor, qint32 loan
     connect(cmdPutBack, &QPushButton::clicked, this, Guarded(&FormLoanHistory::cmdPutBack_Click));
     connect(cmdExit, &QPushButton::clicked, this, Guarded(&FormLoanHistory::cmdExit_Click));
     connect(cmdPrint, &QPushButton::clicked, this, Guarded(&FormLoanHistory::cmdPrint_Click));
+    keys::Bind(*this, {{keys::Command::AddMember, cmdPutBack}, {keys::Command::Print, cmdPrint}});
     connect(grdHistory, &QTableWidget::currentCellChanged, this, [this] { updatePutBack(); });
     // The rows grow to their differences at the width the columns have.
     connect(grdHistory->horizontalHeader(), &QHeaderView::sectionResized, grdHistory,

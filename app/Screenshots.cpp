@@ -149,39 +149,67 @@ QList<qint32> freeEmployees(const QString& file, qint32 loan, int count) {
     return ids;
 }
 
-}  // namespace
-
-int RenderScreenshots(const QString& dir) {
-    QDir().mkpath(dir);
+// One run of the screenshots: the demo database in a folder of its own, the module on it with
+// a message component that shows nothing, and the loan window the others open from.
+class Shots {
+public:
+    explicit Shots(const QString& dir);
+    void editorModes();
+    void toolsMenu();
+    void pickerAndMembers();
+    void adjustments();
+    void search();
+    void deductions();
+    void finalSaveQuestion();
+    void history();
+    void loanSheet();
+    void dialogs();
     int written = 0;
-    unwritten.clear();
-    oversized.clear();
-    const int galleryUnwritten = kav::controls::RenderControlGallery(dir);
 
+private:
+    void photograph(const QString& name) { written += save(editor, dir, name); }
+
+    const QString dir;
     QTemporaryDir temp;
     const QString file = temp.filePath(u"demo.db"_s);
-    kav::data::CreateDemoDatabase(file);
+    std::shared_ptr<kav::Module> module;
+    std::unique_ptr<kav::kavHRLoan1> host;
+    kav::FormHRLoan& editor;
+    qint16 temporary = 0;  // the demo's first temporary loan
+    QList<qint32> people;  // employees who are no members of it
+};
 
-    auto module = std::make_shared<kav::Module>();
-    module->SetMessageFactory([] { return std::make_unique<SilentComponent>(); });
-    // Every window at its first size, whatever the user's own runs remembered.
-    module->SetRemembersWindows(false);
-    kav::kavHRLoan1 host(module);
+// The demo database and the module on it; the loan window is shown empty, photographed
+// instead of waiting for the user.
+kav::FormHRLoan& openEditor(kav::kavHRLoan1& host, kav::Module& module, const QString& file,
+                            const QString& dir, int& written) {
     host.setOLEConnectionstring(kav::data::EmbeddedConnectionString(file));
     host.setUserID(kav::data::DemoUserWithPermissions);
     // The clerk is one of the demo's employees, so a printed page names him.
     host.setEmployeeID(1);
-
-    // Each show of the editor is photographed instead of waiting for the user.
-    QString shot = u"editor-empty"_s;
-    module->SetModalRunner([&](QDialog& d) {
-        written += save(d, dir, shot);
+    module.SetModalRunner([&](QDialog& d) {
+        written += save(d, dir, u"editor-empty"_s);
         return 0;
     });
     host.ClearShow();
+    return module.Window<kav::FormHRLoan>();
+}
 
-    auto& editor = module->Window<kav::FormHRLoan>();
-    auto photograph = [&](const QString& name) { written += save(editor, dir, name); };
+std::shared_ptr<kav::Module> silentModule() {
+    auto module = std::make_shared<kav::Module>();
+    module->SetMessageFactory([] { return std::make_unique<SilentComponent>(); });
+    // Every window at its first size, whatever the user's own runs remembered.
+    module->SetRemembersWindows(false);
+    return module;
+}
+
+Shots::Shots(const QString& dir_)
+    : dir(dir_),
+      module((kav::data::CreateDemoDatabase(file), silentModule())),
+      host(std::make_unique<kav::kavHRLoan1>(module)),
+      editor(openEditor(*host, *module, file, dir, written)) {}
+
+void Shots::editorModes() {
     // Each mode is reached the way a clerk reaches it, so each shows its own status line:
     // Cancel (answered yes) ends the new and the edit mode and clears it.
     editor.cmdNew_Click();
@@ -194,6 +222,9 @@ int RenderScreenshots(const QString& dir) {
     editor.cmdCancel_Click();
     editor.ViewPRSLoansInfo(demoLoan(file, true));
     photograph(u"editor-view-final"_s);
+}
+
+void Shots::toolsMenu() {
     // Its Tools menu, with the keys beside the entries.
     editor.show();
     editor.mnuTool->popup(editor.PushButton1->mapToGlobal(QPoint(0, editor.PushButton1->height())));
@@ -204,11 +235,13 @@ int RenderScreenshots(const QString& dir) {
         unwritten << u"editor-tools-menu.png"_s;
     editor.mnuTool->hide();
     editor.hide();
+}
 
+void Shots::pickerAndMembers() {
     // The picker with a borrower and two guarantors chosen, then the editor with the member
     // and the employees with an ordinance in the loan's period added.
-    const qint16 temporary = demoLoan(file, false);
-    const QList<qint32> people = freeEmployees(file, temporary, 3);
+    temporary = demoLoan(file, false);
+    people = freeEmployees(file, temporary, 3);
     editor.ViewPRSLoansInfo(temporary);
     editor.cmdEdit_Click();
     module->SetModalRunner([&](QDialog& d) {
@@ -224,7 +257,9 @@ int RenderScreenshots(const QString& dir) {
     editor.cmdAddEmp_Click();
     editor.cmdAddOrdinanceEmployees_Click();
     photograph(u"members-edit"_s);
+}
 
+void Shots::adjustments() {
     // The adjustment window on the demo's housing loan (2) and its member, in each mode; its
     // list with every adjustment; the member's schedule on screen and as the PDF's first page.
     editor.ViewPRSLoansInfo(2);
@@ -253,7 +288,9 @@ int RenderScreenshots(const QString& dir) {
         return 0;
     });
     editor.cmdBalance_Click();
+}
 
+void Shots::search() {
     // The search window from the editor's search button: empty, with every loan, and with a
     // few criteria, sorted by the amount.
     module->SetModalRunner([&](QDialog& d) {
@@ -272,7 +309,9 @@ int RenderScreenshots(const QString& dir) {
         return 0;
     });
     editor.cmdSearch_Click();
+}
 
+void Shots::deductions() {
     // The monthly register of the working month from the Tools menu: its rows, its totals per
     // employee, and its PDF's first page with every total.
     module->SetModalRunner([&](QDialog& d) {
@@ -289,7 +328,9 @@ int RenderScreenshots(const QString& dir) {
         return 0;
     });
     if (auto* entry = editor.findChild<QAction*>(u"mnuDeductions"_s)) entry->trigger();
+}
 
+void Shots::finalSaveQuestion() {
     // The question before a final save, as the message dialog shows it: the temporary loan with
     // its amount changed after the count was worked out, its settlement date moved and a member
     // who guarantees himself. Answered yes, the loan is saved and the status bar gives its number.
@@ -318,7 +359,9 @@ int RenderScreenshots(const QString& dir) {
     editor.cmdFinSave_Click();
     photograph(u"editor-saved-final"_s);
     module->SetMessageFactory([] { return std::make_unique<SilentComponent>(); });
+}
 
+void Shots::history() {
     // The history of the demo's loan 9 (saved three times as temporary, then made final) and
     // the deleted loans, from the Tools menu.
     editor.ViewPRSLoansInfo(9);
@@ -331,7 +374,9 @@ int RenderScreenshots(const QString& dir) {
     });
     kav::history::ShowHistory(editor);
     kav::history::ShowDeletedLoans(editor);
+}
 
+void Shots::loanSheet() {
     // The loan sheet of the demo's first final loan (its first page and its first member's page
     // to sign) and of a temporary loan; the final one's print preview from the Tools menu; the
     // save dialog as it proposes the sheet's file, in Persian, with a file beside it.
@@ -365,14 +410,38 @@ int RenderScreenshots(const QString& dir) {
         dialog->resize(900, 520);
         written += save(*dialog, dir, u"file-dialog"_s, 800);
     }
+}
 
+void Shots::dialogs() {
     auto message = kav::BuildMessageDialog(u"خطا"_s, kav::Module::RoleRefusalText(), 0);
     written += save(*message, dir, u"message"_s);
     auto question = kav::BuildMessageDialog(
         u"هشدار"_s, u"اطلاعات ممکن است تغيير کرده باشد، آيا قصد خروج بدون ثبت تغييرات داريد؟"_s, 1);
     written += save(*question, dir, u"question"_s);
 
-    written += save(host, dir, u"test-bench"_s);
+    written += save(*host, dir, u"test-bench"_s);
+}
+
+}  // namespace
+
+int RenderScreenshots(const QString& dir) {
+    QDir().mkpath(dir);
+    unwritten.clear();
+    oversized.clear();
+    const int galleryUnwritten = kav::controls::RenderControlGallery(dir);
+    {
+        Shots shots(dir);
+        shots.editorModes();
+        shots.toolsMenu();
+        shots.pickerAndMembers();
+        shots.adjustments();
+        shots.search();
+        shots.deductions();
+        shots.finalSaveQuestion();
+        shots.history();
+        shots.loanSheet();
+        shots.dialogs();
+    }
     if (galleryUnwritten > 0 || !unwritten.isEmpty())
         throw kav::KavError(
             kav::KavError::Kind::Usage,

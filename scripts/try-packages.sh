@@ -16,7 +16,7 @@ if [ ! -x "$root/usr/bin/apt-get" ]; then
 fi
 mount --bind /proc "$root/proc"
 mount --bind /dev "$root/dev"
-trap 'umount "$root/dev" "$root/proc" || true' EXIT
+trap 'umount -l "$root/dev" "$root/proc" || true' EXIT
 rm -rf "$root/tmp/debs" && mkdir -p "$root/tmp/debs"
 cp "${debs[@]}" "$root/tmp/debs/"
 chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root \

@@ -1,53 +1,26 @@
 // The loan window's member grid: adding members (one by one and by ordinance), removing one,
 // sorting.
 
-#include <QAction>
-#include <QApplication>
-#include <QButtonGroup>
-#include <QCheckBox>
-#include <QCloseEvent>
-#include <QComboBox>
-#include <QGridLayout>
-#include <QGroupBox>
-#include <QHBoxLayout>
-#include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
 #include <QPushButton>
-#include <QRadioButton>
-#include <QScreen>
-#include <QTimer>
-#include <QVBoxLayout>
 
 #include "controls/FlexGrid.h"
 #include "controls/VarekCurrency.h"
 #include "controls/VarekDate.h"
-#include "loan_editor/FinalSaveChecks.h"
 #include "loan_editor/FormHREmployee.h"
 #include "loan_editor/FormHRLoan.h"
-#include "loan_editor/LoanDates.h"
 #include "loan_editor/LoanEditorSql.h"
 #include "loan_editor/LoanEditorTexts.h"
 #include "loan_editor/LoanMembers.h"
 #include "loan_editor/LoanModes.h"
 #include "loan_editor/LoanStatusBar.h"
-#include "loan_editor/LoanTerms.h"
-#include "loan_editor/history/HistoryMenu.h"
-#include "loan_editor/sheet/SheetMenu.h"
 #include "session/Module.h"
 #include "session/TextProcs.h"
-#include "session/Ui.h"
 #include "session/Vb.h"
 
 using namespace Qt::StringLiterals;
 
 namespace kav {
-
-namespace T = editor_texts;
-using controls::FlexGrid;
-using controls::VarekCurrency;
-using controls::VarekDate;
 
 // ---- Members ----
 
